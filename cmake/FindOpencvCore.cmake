@@ -1,0 +1,22 @@
+# SPDX-License-Identifier: BSD-3-Clause
+# OpenCV's core as Opencv::core. Debian installs no CMake package with the core alone, so where there is none the header
+# and the library are looked up themselves.
+find_package(OpenCV QUIET COMPONENTS core)
+if(OpenCV_FOUND)
+  set(OpencvCore_INCLUDE_DIR "${OpenCV_INCLUDE_DIRS}")
+  set(OpencvCore_LIBRARY opencv_core)
+else()
+  find_path(OpencvCore_INCLUDE_DIR opencv2/core.hpp PATH_SUFFIXES opencv4)
+  find_library(OpencvCore_LIBRARY opencv_core)
+endif()
+
+include(FindPackageHandleStandardArgs)
+find_package_handle_standard_args(OpencvCore REQUIRED_VARS OpencvCore_LIBRARY OpencvCore_INCLUDE_DIR)
+mark_as_advanced(OpencvCore_INCLUDE_DIR OpencvCore_LIBRARY)
+
+if(OpencvCore_FOUND AND NOT TARGET Opencv::core)
+  add_library(Opencv::core INTERFACE IMPORTED)
+  # System headers: their warnings are not ours.
+  target_include_directories(Opencv::core SYSTEM INTERFACE ${OpencvCore_INCLUDE_DIR})
+  target_link_libraries(Opencv::core INTERFACE ${OpencvCore_LIBRARY})
+endif()

@@ -1,0 +1,16 @@
+# SPDX-License-Identifier: BSD-3-Clause
+# Warnings and instrumentation of our own code, as a target to link.
+add_library(kelvane_compile_options INTERFACE)
+target_compile_options(kelvane_compile_options INTERFACE
+  -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Wold-style-cast -Wnon-virtual-dtor
+  -Woverloaded-virtual
+  # One rounding for each operation as written, whatever the processor has.
+  -ffp-contract=off)
+if(KELVANE_WARNINGS_AS_ERRORS)
+  target_compile_options(kelvane_compile_options INTERFACE -Werror)
+endif()
+if(KELVANE_SANITIZE)
+  target_compile_options(kelvane_compile_options INTERFACE
+    -fsanitize=address,undefined,float-cast-overflow -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  target_link_options(kelvane_compile_options INTERFACE -fsanitize=address,undefined,float-cast-overflow)
+endif()
