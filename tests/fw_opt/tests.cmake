@@ -1,0 +1,15 @@
+# SPDX-License-Identifier: BSD-3-Clause
+# Tests of the optimisation framework: one executable for each source file, more where a file would grow long.
+kelvane_add_test(fw_opt/equation_weights)
+kelvane_add_test(fw_opt/opt_func)
+kelvane_add_test(fw_opt/grad_func)
+kelvane_add_test(fw_opt/shared_functions)
+kelvane_add_test(fw_opt/solver)
+kelvane_add_test(fw_opt/solver_stopping)
+kelvane_add_test(fw_opt/solver_errors)
+kelvane_add_test(fw_opt/solver_ownership)
+kelvane_add_test(fw_opt/linear_taylor_solver)
+kelvane_add_test(fw_opt/linear_taylor_solver_weights)
+kelvane_add_test(fw_opt/linear_taylor_solver_differences)
+kelvane_add_test(fw_opt/linear_taylor_solver_nonfinite)
+kelvane_add_test(fw_opt/linear_taylor_solver_errors)
