@@ -1,0 +1,63 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Closed-form Jacobians of the pixel predictions, one class for each rotation representation.
+#pragma once
+
+#include <opencv2/core.hpp>
+#include <vector>
+
+#include "camera_pose/rotation_models.h"
+#include "fw_opt/grad_func.h"
+#include "fw_tools/matrix.h"
+
+/// What the Jacobians have in common.
+///
+/// The intrinsic model is K = [f 0 cx; 0 f cy; 0 0 1] with f = K(0,0): K(1,1), the skew K(0,1) and the rest are not
+/// read, although the prediction uses the whole K. The base function is never consulted.
+///
+/// operator()(x, J, start) writes the rows of u_0, v_0, u_1, v_1, ... with one column for each entry of x, starting at
+/// *element* `start` of J's data (an offset in doubles, not a row), and returns the number of rows, 2 N. J must be
+/// continuous, CV_64F and large enough; it is not checked, nor is the length of x.
+class Camera_position_grad_func : public fw::Grad_func {
+ public:
+  /// Points of 3 coordinates each (world units), K 3 by 3 (pixels); takes ownership of the base function.
+  Camera_position_grad_func(std::vector<std::vector<double>> points, fw::matrix<double> K, fw::Opt_func* base) noexcept;
+  Camera_position_grad_func(const Camera_position_grad_func&) = default;
+  Camera_position_grad_func& operator=(const Camera_position_grad_func&) = delete;
+
+ protected:
+  template <std::size_t n_r>
+  int write_pixel_jacobian(const Rotation_model<n_r>& rotation, const double* t, cv::Mat& J, int start) const;
+
+  std::vector<std::vector<double>> points;
+  fw::matrix<double> K;
+};
+
+/// Rotation type 0: columns r1, r2, r3, t1, t2, t3. The Jacobian at r = 0 is the one at r = (1e-9, 1e-9, 1e-9).
+class Camera_position_grad_func_aau : public Camera_position_grad_func {
+ public:
+  using Camera_position_grad_func::Camera_position_grad_func;
+  int operator()(const std::vector<double>& x, cv::Mat& J, int start) const override;
+};
+
+/// Rotation type 1: columns a1, a2, a3, angle, t1, t2, t3. A zero axis gives NaN.
+class Camera_position_grad_func_aan : public Camera_position_grad_func {
+ public:
+  using Camera_position_grad_func::Camera_position_grad_func;
+  int operator()(const std::vector<double>& x, cv::Mat& J, int start) const override;
+};
+
+/// Rotation type 2: columns q0 to q3 (scalar last), t1, t2, t3; independent of the quaternion's length. A zero vector
+/// part is replaced by (1e-9, 1e-9, 1e-9), whatever the scalar part.
+class Camera_position_grad_func_qu : public Camera_position_grad_func {
+ public:
+  using Camera_position_grad_func::Camera_position_grad_func;
+  int operator()(const std::vector<double>& x, cv::Mat& J, int start) const override;
+};
+
+/// Rotation type 3: columns as type 2. The quaternion is taken as of unit length, and its entries enter the diagonal of
+/// the rotation unsquared, so this is not the derivative of the prediction of type 3.
+class Camera_position_grad_func_qn : public Camera_position_grad_func {
+ public:
+  using Camera_position_grad_func::Camera_position_grad_func;
+  int operator()(const std::vector<double>& x, cv::Mat& J, int start) const override;
+};

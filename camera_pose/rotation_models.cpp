@@ -1,0 +1,154 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// The derivative of each rotation model, written once.
+#include "camera_pose/rotation_models.h"
+
+#include <cmath>
+
+namespace {
+
+constexpr double zero_replacement = 1e-9;  // squares and fourth powers stay far from underflow
+
+bool is_zero(const double* v) { return v[0] == 0.0 && v[1] == 0.0 && v[2] == 0.0; }
+
+/// 1 - cos(angle) without the cancellation at small angles.
+double one_minus_cos(double angle) {
+  const double s = std::sin(0.5 * angle);
+  return 2.0 * s * s;
+}
+
+double squared_norm(const double* v) { return v[0] * v[0] + v[1] * v[1] + v[2] * v[2]; }
+
+/// out += factor [v]x, the matrix of the cross product with v
+void add_cross(double factor, const double* v, double (&out)[3][3]) {
+  out[0][1] -= factor * v[2];
+  out[0][2] += factor * v[1];
+  out[1][0] += factor * v[2];
+  out[1][2] -= factor * v[0];
+  out[2][0] -= factor * v[1];
+  out[2][1] += factor * v[0];
+}
+
+/// out += factor (v w' + w v')
+void add_symmetric_product(double factor, const double* v, const double* w, double (&out)[3][3]) {
+  for (int i = 0; i < 3; ++i) {
+    for (int k = 0; k < 3; ++k) out[i][k] += factor * (v[i] * w[k] + w[i] * v[k]);
+  }
+}
+
+void set_diagonal(double value, double (&out)[3][3]) {
+  for (int i = 0; i < 3; ++i) {
+    for (int k = 0; k < 3; ++k) out[i][k] = i == k ? value : 0.0;
+  }
+}
+
+constexpr double unit_vectors[3][3] = {{1, 0, 0}, {0, 1, 0}, {0, 0, 1}};
+
+/// The quaternion's rotation matrix before any normalisation, and its derivatives (Eq. 15).
+Rotation_model<4> unscaled_quaternion_model(double x, double y, double z, double w) {
+  // clang-format off
+  return {
+      {{x * x - y * y - z * z + w * w, 2 * (x * y - z * w), 2 * (x * z + y * w)},
+       {2 * (x * y + z * w), y * y - x * x - z * z + w * w, 2 * (y * z - x * w)},
+       {2 * (x * z - y * w), 2 * (y * z + x * w), -x * x - y * y + z * z + w * w}},
+      {{{ 2 * x,  2 * y,  2 * z}, { 2 * y, -2 * x, -2 * w}, { 2 * z,  2 * w, -2 * x}},
+       {{-2 * y,  2 * x,  2 * w}, { 2 * x,  2 * y,  2 * z}, {-2 * w,  2 * z, -2 * y}},
+       {{-2 * z, -2 * w,  2 * x}, { 2 * w, -2 * z,  2 * y}, { 2 * x,  2 * y,  2 * z}},
+       {{ 2 * w, -2 * z,  2 * y}, { 2 * z,  2 * w, -2 * x}, {-2 * y,  2 * x,  2 * w}}}};
+  // clang-format on
+}
+
+}  // namespace
+
+Rotation_model<3> rotation_vector_model(const double* vector) {
+  double r[3] = {vector[0], vector[1], vector[2]};
+  if (is_zero(r)) r[0] = r[1] = r[2] = zero_replacement;
+
+  const double theta_2 = squared_norm(r);
+  const double theta = std::sqrt(theta_2);
+  const double s = std::sin(theta);
+  const double c = std::cos(theta);
+  const double v = one_minus_cos(theta);
+  const double inverse_2 = 1.0 / theta_2;
+  const double inverse_3 = inverse_2 / theta;
+  const double inverse_4 = inverse_2 * inverse_2;
+
+  // R = c I + A [r]x + B r r'                                            (Eq. 8)
+  const double A = s / theta;
+  const double B = v * inverse_2;
+  // dA/dr_j = r_j dA, dB/dr_j = r_j dB                                   (Eqs. 9, 10)
+  const double dA = c * inverse_2 - s * inverse_3;
+  const double dB = s * inverse_3 - 2.0 * v * inverse_4;
+
+  Rotation_model<3> model;
+  set_diagonal(c, model.R);
+  add_cross(A, r, model.R);
+  add_symmetric_product(0.5 * B, r, r, model.R);
+  for (int j = 0; j < 3; ++j) {
+    // dR/dr_j = -A r_j I + dA r_j [r]x + A [e_j]x + dB r_j r r' + B (e_j r' + r e_j')   (Eq. 11)
+    set_diagonal(-A * r[j], model.dR[j]);
+    add_cross(dA * r[j], r, model.dR[j]);
+    add_cross(A, unit_vectors[j], model.dR[j]);
+    add_symmetric_product(0.5 * dB * r[j], r, r, model.dR[j]);
+    add_symmetric_product(B, unit_vectors[j], r, model.dR[j]);
+  }
+  return model;
+}
+
+Rotation_model<4> angle_axis_model(const double* a) {
+  const double inverse_norm = 1.0 / std::sqrt(squared_norm(a));
+  const double n[3] = {a[0] * inverse_norm, a[1] * inverse_norm, a[2] * inverse_norm};
+  const double s = std::sin(a[3]);
+  const double c = std::cos(a[3]);
+  const double v = one_minus_cos(a[3]);
+
+  // R = c I + s [n]x + v n n'                                            (Eq. 12)
+  Rotation_model<4> model;
+  set_diagonal(c, model.R);
+  add_cross(s, n, model.R);
+  add_symmetric_product(0.5 * v, n, n, model.R);
+  for (int j = 0; j < 3; ++j) {
+    // dn/da_j = (e_j - n n_j) / |a|                                      (Eq. 13)
+    double dn[3];
+    for (int i = 0; i < 3; ++i) dn[i] = (unit_vectors[j][i] - n[i] * n[j]) * inverse_norm;
+    set_diagonal(0.0, model.dR[j]);
+    add_cross(s, dn, model.dR[j]);
+    add_symmetric_product(v, dn, n, model.dR[j]);
+  }
+  // dR/dangle = -s I + c [n]x + s n n'                                   (Eq. 14)
+  set_diagonal(-s, model.dR[3]);
+  add_cross(c, n, model.dR[3]);
+  add_symmetric_product(0.5 * s, n, n, model.dR[3]);
+  return model;
+}
+
+Rotation_model<4> quaternion_model(const double* quaternion) {
+  double q[4] = {quaternion[0], quaternion[1], quaternion[2], quaternion[3]};
+  if (is_zero(q)) q[0] = q[1] = q[2] = zero_replacement;
+
+  const double k = 1.0 / (squared_norm(q) + q[3] * q[3]);
+  Rotation_model<4> model = unscaled_quaternion_model(q[0], q[1], q[2], q[3]);
+  // With N the matrix before division: R = k N, dR/dq_j = k dN/dq_j - 2 q_j k R   (Eq. 16)
+  for (auto& row : model.R) {
+    for (double& entry : row) entry *= k;
+  }
+  for (int j = 0; j < 4; ++j) {
+    const double factor = 2.0 * q[j] * k;
+    for (int i = 0; i < 3; ++i) {
+      for (int l = 0; l < 3; ++l) model.dR[j][i][l] = k * model.dR[j][i][l] - factor * model.R[i][l];
+    }
+  }
+  return model;
+}
+
+Rotation_model<4> unit_quaternion_model(const double* q) {
+  Rotation_model<4> model = unscaled_quaternion_model(q[0], q[1], q[2], q[3]);
+  // The unit-quaternion diagonal is 1 - 2 (a^2 + b^2); here it is 1 - 2 a - 2 b, in value and derivative (Eqs. 17, 18).
+  const int others[3][2] = {{1, 2}, {0, 2}, {0, 1}};
+  for (int i = 0; i < 3; ++i) {
+    const int a = others[i][0];
+    const int b = others[i][1];
+    model.R[i][i] = 1.0 + (-2.0 * q[a]) + (-2.0 * q[b]);
+    for (int j = 0; j < 4; ++j) model.dR[j][i][i] = j == a || j == b ? -2.0 : 0.0;
+  }
+  return model;
+}

@@ -1,0 +1,25 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// The table of the ten rotation types.
+#pragma once
+
+/// How the rotation entries of the search vector are read.
+enum class Representation { rotation_vector, angle_axis, quaternion };
+
+/// One row of the table: what follows from a rotation type alone.
+struct Rotation_type {
+  int id;                         // the number that callers pass
+  const char* name;               // as in usage texts
+  Representation representation;  // of the search vector; for a hybrid type the first one of its name
+  int observation_size;           // rows of the observations, and equations per point and block: 2 pixels, 3 bearings
+  int num_representations;        // how many times the equations are stacked: 3 for hybrids
+
+  /// Rotation entries of the search vector; the camera centre follows them.
+  constexpr int rotation_size() const { return representation == Representation::rotation_vector ? 3 : 4; }
+  constexpr int num_dimensions() const { return rotation_size() + 3; }
+  constexpr bool is_bearing() const { return observation_size == 3; }
+  /// The step in each rotation entry when derivatives are taken by differences.
+  constexpr double difference_step() const { return representation == Representation::quaternion ? 0.314 : 0.0314; }
+};
+
+/// The row of `id`, or null when there is none.
+const Rotation_type* find_rotation_type(int id);

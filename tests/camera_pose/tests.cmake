@@ -1,0 +1,9 @@
+# SPDX-License-Identifier: BSD-3-Clause
+kelvane_add_test(camera_pose/camera_position_grad_func_accuracy)
+kelvane_add_test(camera_pose/camera_position_grad_func_identities)
+kelvane_add_test(camera_pose/camera_position_grad_func)
+kelvane_add_test(camera_pose/camera_position_opt_func)
+kelvane_add_test(camera_pose/rotation_type)
+kelvane_add_test(camera_pose/rotation_models)
+kelvane_add_test(camera_pose/projection)
+kelvane_add_test(camera_pose/difference_rows)
