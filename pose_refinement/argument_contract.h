@@ -1,0 +1,49 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// The checks of a call's arguments, in their published order.
+#pragma once
+
+#include <cstddef>
+
+#include "camera_pose/rotation_type.h"
+
+namespace pose_refinement {
+
+/// One input as the host presents it. data() and scalar() are asked only of arrays that is_double() has claimed: a host
+/// may abort when asked for the data of, say, a function handle.
+class Input {
+ public:
+  virtual bool is_double() const = 0;
+  virtual bool is_sparse() const = 0;
+  virtual bool is_complex() const = 0;
+  virtual std::size_t rows() const = 0;
+  virtual std::size_t columns() const = 0;  // of an N-dimensional array: all but the first dimension multiplied
+  virtual std::size_t elements() const = 0;
+  virtual const char* class_name() const = 0;
+  virtual const double* data() const = 0;  // column-major
+  virtual double scalar() const = 0;       // the first element
+
+ protected:
+  ~Input() = default;
+};
+
+constexpr int max_inputs = 6;
+
+/// The inputs of an accepted call. The arrays still belong to the host and are column-major; absent ones are null.
+struct Arguments {
+  const Rotation_type* type;
+  int num_points;
+  const double* camera_parameters;  // rotation (3 or 4), t1, t2, t3, k11, k13, k23
+  const double* points;             // 3 by num_points
+  const double* observations;       // observation size by num_points
+  const double* stopping_criteria;  // max_iters, min_x_step, min_y_step, use_finite_difference; may be null
+  const double* weights;            // num_equations(); may be null
+
+  int num_equations() const { return num_points * type->observation_size * type->num_representations; }
+};
+
+/// Checks a call of num_outputs outputs and num_inputs inputs; `inputs` must hold the first min(num_inputs,
+/// max_inputs). Raises a report of kelvane_mex.cpp for the first violation, in the order of the sites in
+/// argument_contract.cpp.
+Arguments check_arguments(int num_outputs, int num_inputs, const Input* const* inputs);
+
+}  // namespace pose_refinement

@@ -1,0 +1,5 @@
+# SPDX-License-Identifier: BSD-3-Clause
+kelvane_add_test(pose_refinement/argument_contract)
+kelvane_add_test(pose_refinement/refinement)
+kelvane_add_test(pose_refinement/gateway mex_host)
+kelvane_add_test(pose_refinement/real_data)
