@@ -10,7 +10,7 @@ function(kelvane_add_mex target)
   set_target_properties(${target} PROPERTIES
     OUTPUT_NAME kelvane_mex PREFIX "" SUFFIX "${arg_SUFFIX}"
     LIBRARY_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}"
-    LINK_DEPENDS "${exports}")
+    LINK_DEPENDS "${exports};${PROJECT_SOURCE_DIR}/matlab/kelvane_mex.m")  # linking copies the help
   target_include_directories(${target} SYSTEM PRIVATE ${arg_INCLUDES})
   target_link_libraries(${target} PRIVATE kelvane kelvane_compile_options ${arg_LIBRARIES})
   target_link_options(${target} PRIVATE "LINKER:--version-script=${exports}")

@@ -1,0 +1,2 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Holds nothing: the headers that tests share are compiled with it.
