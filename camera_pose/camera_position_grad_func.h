@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
-// Closed-form Jacobians of the pixel predictions, one class for each rotation representation.
+// Closed-form Jacobians of the pixel and bearing predictions, one class for each rotation representation.
 #pragma once
 
 #include <opencv2/core.hpp>
@@ -14,9 +14,10 @@
 /// The intrinsic model is K = [f 0 cx; 0 f cy; 0 0 1] with f = K(0,0): K(1,1), the skew K(0,1) and the rest are not
 /// read, although the prediction uses the whole K. The base function is never consulted.
 ///
-/// operator()(x, J, start) writes the rows of u_0, v_0, u_1, v_1, ... with one column for each entry of x, starting at
-/// *element* `start` of J's data (an offset in doubles, not a row), and returns the number of rows, 2 N. J must be
-/// continuous, CV_64F and large enough; it is not checked, nor is the length of x.
+/// operator()(x, J, start) writes the rows of u_0, v_0, u_1, v_1, ... (bearing classes: of the three components of each
+/// camera-frame vector) with one column for each entry of x, starting at *element* `start` of J's data (an offset in
+/// doubles, not a row), and returns the number of rows, 2 N (3 N). J must be continuous, CV_64F and large enough; it is
+/// not checked, nor is the length of x.
 class Camera_position_grad_func : public fw::Grad_func {
  public:
   /// Points of 3 coordinates each (world units), K 3 by 3 (pixels); takes ownership of the base function.
@@ -27,6 +28,8 @@ class Camera_position_grad_func : public fw::Grad_func {
  protected:
   template <std::size_t n_r>
   int write_pixel_jacobian(const Rotation_model<n_r>& rotation, const double* t, cv::Mat& J, int start) const;
+  template <std::size_t n_r>
+  int write_bearing_jacobian(const Rotation_model<n_r>& rotation, const double* t, cv::Mat& J, int start) const;
 
   std::vector<std::vector<double>> points;
   fw::matrix<double> K;
@@ -57,6 +60,27 @@ class Camera_position_grad_func_qu : public Camera_position_grad_func {
 /// Rotation type 3: columns as type 2. The quaternion is taken as of unit length, and its entries enter the diagonal of
 /// the rotation unsquared, so this is not the derivative of the prediction of type 3.
 class Camera_position_grad_func_qn : public Camera_position_grad_func {
+ public:
+  using Camera_position_grad_func::Camera_position_grad_func;
+  int operator()(const std::vector<double>& x, cv::Mat& J, int start) const override;
+};
+
+/// Rotation type 10: the columns and the guard of aau, rows of three.
+class Camera_position_grad_func_aau_bv : public Camera_position_grad_func {
+ public:
+  using Camera_position_grad_func::Camera_position_grad_func;
+  int operator()(const std::vector<double>& x, cv::Mat& J, int start) const override;
+};
+
+/// Rotation type 11: the columns of aan, rows of three.
+class Camera_position_grad_func_aan_bv : public Camera_position_grad_func {
+ public:
+  using Camera_position_grad_func::Camera_position_grad_func;
+  int operator()(const std::vector<double>& x, cv::Mat& J, int start) const override;
+};
+
+/// Rotation type 12: the columns and the guard of qu, rows of three.
+class Camera_position_grad_func_qu_bv : public Camera_position_grad_func {
  public:
   using Camera_position_grad_func::Camera_position_grad_func;
   int operator()(const std::vector<double>& x, cv::Mat& J, int start) const override;

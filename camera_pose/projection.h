@@ -67,3 +67,17 @@ inline void write_pixel_rows(const Projection<n_r>& projection, const double* X,
     dv[n_r + j] = n_v * P[2][j] * inverse_w_2 - P[1][j] * inverse_w;
   }
 }
+
+/// Writes the three rows dc1/dx, dc2/dx, dc3/dx of one point X (3 coordinates) seen from the centre t, n_r + 3 entries
+/// each (docs/derivations.md, Eq. 23): c = M (X - t) is not divided by anything, so the rows are linear in the point.
+template <std::size_t n_r>
+inline void write_bearing_rows(const Projection<n_r>& projection, const double* X, const double* t, double* rows) {
+  const double D[3] = {X[0] - t[0], X[1] - t[1], X[2] - t[2]};
+  for (int i = 0; i < 3; ++i, rows += n_r + 3) {
+    for (std::size_t j = 0; j < n_r; ++j) {
+      const auto& dM = projection.dP[j][i];
+      rows[j] = dM[0] * D[0] + dM[1] * D[1] + dM[2] * D[2];
+    }
+    for (std::size_t j = 0; j < 3; ++j) rows[n_r + j] = -projection.P[i][j];
+  }
+}

@@ -7,6 +7,7 @@
 #include <memory>
 
 #include "camera_pose/camera_position_grad_func.h"
+#include "camera_pose/camera_position_grad_func_hybrid.h"
 #include "camera_pose/camera_position_opt_func.h"
 #include "fw_tools/report.h"
 #include "pose_refinement/sites.h"
@@ -70,11 +71,19 @@ std::unique_ptr<fw::Grad_func> make_jacobian_of_type(const Problem& problem) {
       return make_jacobian<Camera_position_grad_func_qu>(problem);
     case 3:
       return make_jacobian<Camera_position_grad_func_qn>(problem);
+    case 10:
+      return make_jacobian<Camera_position_grad_func_aau_bv>(problem);
+    case 11:
+      return make_jacobian<Camera_position_grad_func_aan_bv>(problem);
+    case 12:
+      return make_jacobian<Camera_position_grad_func_qu_bv>(problem);
+    case -1:
+      return make_jacobian<Camera_position_grad_func_qu_aau_aan>(problem);
+    case -2:
+      return make_jacobian<Camera_position_grad_func_aau_qu_aan>(problem);
+    case -3:
+      return make_jacobian<Camera_position_grad_func_aan_qu_aau>(problem);
     default:
-      if (find_rotation_type(problem.type->id) != nullptr) {
-        fw::raise(site::no_jacobian, fw::text("Rotation type ", problem.type->id, " (", problem.type->name,
-                                              ") has no closed-form Jacobian in this version, use finite differences"));
-      }
       fw::raise(site::no_jacobian, "Invalid rotation type!");
   }
 }

@@ -61,20 +61,21 @@
 %! inputs = valid_inputs();
 %! assert(kelvane_mex(inputs{1:4}), kelvane_mex(inputs{1:5}));
 
-%!test  % types without a closed-form Jacobian say so
-%! names = {'aan,qu,aau', 'aau,qu,aan', 'qu,aau,aan', 'aau-bv', 'aan-bv', 'qu-bv'};
-%! types = [-3, -2, -1, 10, 11, 12];
-%! sizes = [4, 3, 4, 3, 4, 4];
-%! for i = 1:6
-%!   inputs = valid_inputs(double(sizes(i) == 4));
+%!test  % all ten types run, in closed form and by finite differences
+%! types = [0, 1, 2, 3, 10, 11, 12, -1, -2, -3];
+%! like = [0, 1, 2, 3, 0, 1, 2, 2, 0, 1];  % a type with the same rotation entries
+%! for i = 1:10
+%!   inputs = valid_inputs(like(i));
 %!   inputs(5:6) = {types(i), []};
-%!   inputs{3} = [inputs{3}; ones(types(i) >= 10, 4)];
-%!   num_eqs = 24 - 12 * (types(i) >= 10);
-%!   text = sprintf(['kelvane_mex: \tkelvane_mex.cpp(2003)\n' ...
-%!     '\tvoid mexFunction(int, mxArray**, int, const mxArray**)\n' ...
-%!     '\tDetails: Num points=4 num_eqs=%d (vals of -1 mean not initialised)\n' ...
-%!     'kelvane_mex.cpp(1971)\nvoid mexFunction(int, mxArray**, int, const mxArray**)\n' ...
-%!     'Details: Rotation type %d (%s) has no closed-form Jacobian in this version, use finite differences\n'], ...
-%!     num_eqs, types(i), names{i});
-%!   assert(caught(inputs(1:5)), text);
+%!   if types(i) >= 10  % bearings want the identity as K
+%!     inputs{1}(end - 2:end) = [1, 0, 0];
+%!     inputs{3} = [inputs{3} / 1000; ones(1, 4)];
+%!   end
+%!   for flag = 0:1
+%!     inputs{4}(4) = flag;
+%!     x = kelvane_mex(inputs{1:5});
+%!     assert(size(x), size(inputs{1}) - [0, 3]);
+%!     assert(all(isfinite(x)));
+%!     assert(norm(x - inputs{1}(1:end - 3)) > 1e-6);
+%!   end
 %! end

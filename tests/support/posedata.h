@@ -7,32 +7,15 @@
 #include <cmath>
 #include <cstddef>
 #include <filesystem>
-#include <fstream>
-#include <sstream>
 #include <stdexcept>
 #include <string>
 #include <vector>
 
 #include "camera_pose/rotation_type.h"
 #include "support/camera_model.h"
+#include "support/csv.h"
 
 namespace support {
-
-/// The numbers of a file with one header line, row by row.
-inline std::vector<std::vector<double>> read_csv(const std::filesystem::path& path) {
-  std::ifstream file(path);
-  if (!file) throw std::runtime_error("cannot read " + path.string());
-  std::string line;
-  std::getline(file, line);
-  std::vector<std::vector<double>> rows;
-  while (std::getline(file, line)) {
-    std::istringstream cells(line);
-    std::vector<double> row;
-    for (std::string cell; std::getline(cells, cell, ',');) row.push_back(std::stod(cell));
-    rows.push_back(row);
-  }
-  return rows;
-}
 
 /// A pose in every representation, as a row of pose_*.csv holds it.
 struct Measured_pose {

@@ -1,0 +1,79 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Jacobians that stack the same pixel equations three times, each block derived through another representation.
+#pragma once
+
+#include <opencv2/core.hpp>
+#include <vector>
+
+#include "camera_pose/camera_position_grad_func.h"
+#include "fw_opt/grad_func.h"
+#include "fw_tools/matrix.h"
+#include "fw_tools/report.h"
+
+/// What the hybrid Jacobians have in common.
+///
+/// All three blocks have the columns of the first representation, that of x. Block 1 is its own Jacobian; blocks 2 and
+/// 3 are those of the other two, carried over by the chain rule (docs/derivations.md, Eq. 31).
+///
+/// operator()(x, J, start) fills rows start to start + 6 N - 1 of J and returns 6 N; only a start of 0 is to be relied
+/// on. Without points it returns 0 and writes nothing. Where a representation Jacobian is not finite (no rotation; for
+/// type -1 a scalar part of 1 or more in size) blocks 2 and 3 are not finite either.
+class Camera_position_grad_func_hybrid : public fw::Grad_func {
+ public:
+  /// Points of 3 coordinates each (world units), K 3 by 3 (pixels); takes ownership of the base function once nothing
+  /// can fail any more.
+  Camera_position_grad_func_hybrid(std::vector<std::vector<double>> points, fw::matrix<double> K, fw::Opt_func* base);
+  Camera_position_grad_func_hybrid(const Camera_position_grad_func_hybrid&) = default;
+  Camera_position_grad_func_hybrid& operator=(const Camera_position_grad_func_hybrid&) = delete;
+
+ protected:
+  std::vector<std::vector<double>> points;
+  fw::matrix<double> K;
+  Camera_position_grad_func_aau aau;
+  Camera_position_grad_func_aan aan;
+  Camera_position_grad_func_qu qu;
+};
+
+/// Rotation type -1: columns of qu; blocks qu, aau, aan.
+/// Raises (kelvane_mex.cpp, all inside the context of line 1457): 1451 when J's columns do not fit block 2; block 3 is
+/// copied unchecked.
+class Camera_position_grad_func_qu_aau_aan : public Camera_position_grad_func_hybrid {
+ public:
+  using Camera_position_grad_func_hybrid::Camera_position_grad_func_hybrid;
+  int operator()(const std::vector<double>& x, cv::Mat& J, int start) const override;
+};
+
+/// Rotation type -2: columns of aau; blocks aau, qu, aan.
+/// Raises (kelvane_mex.cpp, all inside the context of line 1549): 1543 when J's columns do not fit block 2, 1545
+/// block 3.
+class Camera_position_grad_func_aau_qu_aan : public Camera_position_grad_func_hybrid {
+ public:
+  using Camera_position_grad_func_hybrid::Camera_position_grad_func_hybrid;
+  int operator()(const std::vector<double>& x, cv::Mat& J, int start) const override;
+};
+
+/// Rotation type -3: columns of aan; blocks aan, qu, aau.
+/// Raises (kelvane_mex.cpp, all inside the context of line 1641): 1635 when J's columns do not fit block 2, 1637 block
+/// 3; their texts name aau and aan although the blocks are qu and aau.
+class Camera_position_grad_func_aan_qu_aau : public Camera_position_grad_func_hybrid {
+ public:
+  using Camera_position_grad_func_hybrid::Camera_position_grad_func_hybrid;
+  int operator()(const std::vector<double>& x, cv::Mat& J, int start) const override;
+};
+
+namespace site {
+inline constexpr fw::Site qu_aau_aan_block_2{
+    "kelvane_mex.cpp", 1451,
+    "virtual int Camera_position_grad_func_qu_aau_aan::operator()(const std::vector<double>&, cv::Mat&, int) const"};
+inline constexpr fw::Site qu_aau_aan{qu_aau_aan_block_2.file, 1457, qu_aau_aan_block_2.signature};
+inline constexpr fw::Site aau_qu_aan_block_2{
+    "kelvane_mex.cpp", 1543,
+    "virtual int Camera_position_grad_func_aau_qu_aan::operator()(const std::vector<double>&, cv::Mat&, int) const"};
+inline constexpr fw::Site aau_qu_aan_block_3{aau_qu_aan_block_2.file, 1545, aau_qu_aan_block_2.signature};
+inline constexpr fw::Site aau_qu_aan{aau_qu_aan_block_2.file, 1549, aau_qu_aan_block_2.signature};
+inline constexpr fw::Site aan_qu_aau_block_2{
+    "kelvane_mex.cpp", 1635,
+    "virtual int Camera_position_grad_func_aan_qu_aau::operator()(const std::vector<double>&, cv::Mat&, int) const"};
+inline constexpr fw::Site aan_qu_aau_block_3{aan_qu_aau_block_2.file, 1637, aan_qu_aau_block_2.signature};
+inline constexpr fw::Site aan_qu_aau{aan_qu_aau_block_2.file, 1641, aan_qu_aau_block_2.signature};
+}  // namespace site
