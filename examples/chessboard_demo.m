@@ -3,8 +3,10 @@
 %   chessboard_demo(folder)
 %
 %   Refines every view with the rotation types 0 to 3 from starts that are 3 degrees and 5 % of the distance off, prints a
-%   table, and saves two pictures in folder, which must exist: chessboard_corners.png, the observed and the predicted
-%   corners of a view before and after, and chessboard_convergence.png, its RMS after each iteration. No screen is needed.
+%   table, then one view with all seven pixel types side by side. Saves three pictures in folder, which must exist:
+%   chessboard_corners.png, the observed and the predicted corners of a view before and after;
+%   chessboard_convergence.png, its RMS after each iteration; chessboard_all_types.png, how the seven types approach the
+%   least RMS. No screen is needed.
 %
 %   Example
 %     chessboard_demo(tempdir());
@@ -24,8 +26,15 @@ function chessboard_demo(folder)
     views{i} = chessboard_view(i);
   end
   print_refinements(views, names);
+
+  all_types = [0, 1, 2, 3, -1, -2, -3];
+  all_names = [names, {'-1 qu,aau,aan', '-2 aau,qu,aan', '-3 aan,qu,aau'}];
+  raced = views{4};
+  excess = race(raced, all_types, 10);
+  print_race(raced, all_names, excess);
   fprintf('Pictures:\n');
   shown = views{5};
   plot_corners(shown, 0, fullfile(folder, 'chessboard_corners.png'));
   plot_convergence(shown, names, 10, fullfile(folder, 'chessboard_convergence.png'));
+  plot_race(raced, all_names, excess, fullfile(folder, 'chessboard_all_types.png'));
 end

@@ -7,15 +7,15 @@
 %     points      3 x 54 corners of the board, metres
 %     pixels      2 x 54 measured corners (u; v), pixels
 %     intrinsics  [k11, k13, k23], pixels
-%     start       1 x 4 cell: the [r, t] to start from, for the rotation types 0 to 3
-%     optimum     1 x 4 cell: the [r, t] of the least squared error, known from other solvers
+%     start       1 x 3 cell: the [r, t] to start from, r as rotation vector, angle-axis and quaternion
+%     optimum     1 x 3 cell: the [r, t] of the least squared error in the same forms, known from other solvers
 %     image_size  [width, height], pixels
 %
 %   Example
 %     view = chessboard_view(1);
 %     x = kelvane_mex([view.start{1}, view.intrinsics], view.points, view.pixels);
 %
-%   See also kelvane_mex, chessboard_demo.
+%   See also kelvane_mex, chessboard_demo, representation_of.
 
 % SPDX-License-Identifier: BSD-3-Clause
 % Reader of the chessboard data.
@@ -37,8 +37,8 @@ function row = row_of(id, table)
   row = table(table(:, 1) == id, :);
 end
 
-% Of one line of a pose file, [r, t] for the types 0 to 3; type 3 has the quaternion of type 2.
+% Of one line of a pose file, [r, t] in each representation.
 function x = poses(row)
   t = row(13:15);
-  x = {[row(2:4), t], [row(5:8), t], [row(9:12), t], [row(9:12), t]};
+  x = {[row(2:4), t], [row(5:8), t], [row(9:12), t]};
 end

@@ -21,15 +21,3 @@ function plot_convergence(view, names, num_iterations, file)
   title(sprintf('View %d: RMS from call to call', view.id), 'fontsize', 9);
   save_picture(f, file, [900, 600]);
 end
-
-% The RMS of the start and after each iteration.
-function rms = rms_by_iteration(view, type, num_iterations)
-  % Type 0 makes three iterations in a call, but no decrease reaches this min_y_step: the second ends the call, and the
-  % first is kept.
-  one_iteration = [0, 0, 1e38, 0];
-  poses = refine_until_still(view, type, one_iteration, num_iterations);
-  rms = zeros(1, size(poses, 1));
-  for k = 1:numel(rms)
-    rms(k) = rms_of_view(view, type, poses(k, :));
-  end
-end

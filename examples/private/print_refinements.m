@@ -13,7 +13,7 @@ function print_refinements(views, names)
       [poses, milliseconds] = refine_until_still(view, type, keep_going, max_calls);
       before = rms_of_view(view, type, poses(1, :));
       after = rms_of_view(view, type, poses(end, :));
-      least = rms_of_view(view, type, view.optimum{type + 1});
+      least = rms_of_view(view, type, view.optimum{representation_of(type)});
       fprintf('%4d %7d  %-12s %11.4f %11.4f %9.4f %6d %7.2f\n', view.id, size(view.points, 2), names{type + 1}, ...
               before, after, least, size(poses, 1) - 1, milliseconds);
       if type <= 2 && abs(after - least) > 1e-9 * least

@@ -2,7 +2,7 @@
 % Calls kelvane_mex from a view's start until the pose moves by less than 1e-10, max_calls times at most. The poses are
 % the start and what each call returned, one in each row; the time is that of the calls alone.
 function [poses, milliseconds] = refine_until_still(view, type, criteria, max_calls)
-  x = view.start{type + 1};
+  x = view.start{representation_of(type)};
   poses = x;
   milliseconds = 0;
   for call = 1:max_calls

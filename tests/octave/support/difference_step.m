@@ -1,7 +1,7 @@
 % SPDX-License-Identifier: BSD-3-Clause
 % The pose after one Gauss-Newton step from a view's start, by forward differences of a camera model of our own.
 function x = difference_step(view, type, rotation_step, translation_step)
-  x = view.start{type + 1};
+  x = view.start{representation_of(type)};
   steps = [rotation_step * ones(1, numel(x) - 3), translation_step * ones(1, 3)];
   prediction = predicted_pixels(view, type, x);
   J = zeros(numel(prediction), numel(x));

@@ -7,6 +7,6 @@ function inputs = valid_inputs(type)
   end
   view = chessboard_view(1);
   corners = [1, 9, 46, 54];
-  camera = [view.start{type + 1}, view.intrinsics];
+  camera = [view.start{representation_of(type)}, view.intrinsics];
   inputs = {camera, view.points(:, corners), view.pixels(:, corners), [10, 0, -10000, 0], type, ones(1, 8)};
 end
