@@ -69,15 +69,13 @@ Rotation_model<3> rotation_vector_model(const double* vector) {
   const double c = std::cos(theta);
   const double v = one_minus_cos(theta);
   const double inverse_2 = 1.0 / theta_2;
-  const double inverse_3 = inverse_2 / theta;
-  const double inverse_4 = inverse_2 * inverse_2;
 
   // R = c I + A [r]x + B r r'                                            (Eq. 8)
   const double A = s / theta;
   const double B = v * inverse_2;
-  // dA/dr_j = r_j dA, dB/dr_j = r_j dB                                   (Eqs. 9, 10)
-  const double dA = c * inverse_2 - s * inverse_3;
-  const double dB = s * inverse_3 - 2.0 * v * inverse_4;
+  // dA/dr_j = r_j dA, dB/dr_j = r_j dB, with no higher power of 1 / theta than needed   (Eqs. 9, 10)
+  const double dA = (c - A) * inverse_2;
+  const double dB = (A - 2.0 * B) * inverse_2;
 
   Rotation_model<3> model;
   set_diagonal(c, model.R);

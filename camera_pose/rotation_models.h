@@ -12,7 +12,7 @@ struct Rotation_model {
 };
 
 /// Rotation vector r (docs/derivations.md, Eqs. 8 to 11). r = 0 is replaced by (1e-9, 1e-9, 1e-9); any other r is taken
-/// as it is, however short.
+/// as it is; below a length of about 1e-154 its square underflows and the derivatives are not finite.
 Rotation_model<3> rotation_vector_model(const double* r);
 
 /// Axis a of any length but zero, and angle: (a1, a2, a3, angle) (docs/derivations.md, Eqs. 12 to 14). The axis is

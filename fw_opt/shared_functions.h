@@ -17,11 +17,14 @@ class Shared_functions {
  public:
   Shared_functions() = default;
   Shared_functions(const Shared_functions&) = default;
+  /// Deletes what this list alone owned.
   Shared_functions& operator=(const Shared_functions&) = default;
   ~Shared_functions() { delete_all(); }
 
   /// Replaces the list and deletes nothing: a function that drops out and has no other owner is the caller's again.
-  /// When an allocation fails, nothing has changed and the new functions are still the caller's.
+  /// A function that dropped out while a copy of this list still owns it is not to be given again: it would have two
+  /// owners that know nothing of each other. When an allocation fails, nothing has changed and the new functions are
+  /// still the caller's.
   void set(const std::vector<Function*>& functions);
 
   /// Gives up the ownership, entry by entry in order.
@@ -58,11 +61,7 @@ void Shared_functions<Function>::set(const std::vector<Function*>& functions) {
     for (Function* function : functions) {
       if (function == nullptr || find(new_owners, function) != nullptr) continue;
       std::shared_ptr<Owner> owner = find(owners, function);
-      if (owner == nullptr) {
-        // Filled only once the owner is complete: a failed allocation must not delete the caller's function.
-        owner = std::make_shared<Owner>(nullptr);
-        owner->function = function;
-      }
+      if (owner == nullptr) owner = std::make_shared<Owner>(function);
       new_owners.push_back(std::move(owner));
     }
   } catch (...) {

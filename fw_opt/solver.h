@@ -45,6 +45,7 @@ class Solver {
 
   Solver();
   Solver(const Solver& source);
+  /// Takes over every setting and shares the functions; those that this solver alone owned are deleted.
   Solver& operator=(const Solver& source);
 
   void set_num_dimensions(int value) { num_dimensions = value; }

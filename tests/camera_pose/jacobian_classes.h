@@ -5,11 +5,11 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cmath>
+#include <array>
 #include <cstddef>
 #include <limits>
-#include <memory>
 #include <opencv2/core.hpp>
+#include <string>
 #include <vector>
 
 #include "camera_pose/camera_position_grad_func.h"

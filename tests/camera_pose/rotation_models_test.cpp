@@ -142,6 +142,17 @@ TEST(RotationVectorModel, ReplacesOnlyTheExactZero) {
   EXPECT_EQ(model.R[0][1], 0.0);
 }
 
+TEST(RotationVectorModel, TendsToTheCrossProductDownToTheUnderflowOfTheSquare) {
+  for (const double length : {1e-60, 1e-78, 1e-103, 1e-150}) {
+    SCOPED_TRACE(length);
+    const double r[3] = {0.6 * length, -0.48 * length, 0.64 * length};
+    const Rotation_model<3> model = rotation_vector_model(r);
+    EXPECT_TRUE(support::is_close(flat(model.dR[0]), Entries{0, 0, 0, 0, 0, -1, 0, 1, 0}, tolerance::identity));
+    EXPECT_TRUE(support::is_close(flat(model.dR[1]), Entries{0, 0, 1, 0, 0, 0, -1, 0, 0}, tolerance::identity));
+    EXPECT_TRUE(support::is_close(flat(model.dR[2]), Entries{0, -1, 0, 1, 0, 0, 0, 0, 0}, tolerance::identity));
+  }
+}
+
 TEST(QuaternionModel, ReplacesAZeroVectorPartAndKeepsTheScalar) {
   for (const double w : {1.0, 0.0, -2.5}) {
     const double zero[] = {0.0, 0.0, 0.0, w};

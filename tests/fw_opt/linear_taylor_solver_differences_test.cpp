@@ -50,7 +50,7 @@ class Differences {
 };
 
 constexpr double h0 = 1.0;
-constexpr double h1 = 1e-3;
+constexpr double h1 = 7e-3;  // no power of ten, whose reciprocal would give the same digits
 
 /// The points the differences are taken at: each step is added and subtracted again, with the rounding that leaves.
 std::vector<Vector> perturbed(const Vector& x) {

@@ -8,6 +8,7 @@
 #include <new>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "support/failing_allocation.h"
@@ -124,6 +125,18 @@ TEST(SharedFunctions, KeepsAFunctionThatACopyStillOwns) {
   EXPECT_EQ(log, (Log{"a"}));
 }
 
+TEST(SharedFunctions, GoesOnSharingWithACopyWhenItIsSetToTheSameFunctionsAgain) {
+  Log log;
+  {
+    List list;
+    list.set({new Function(log, "a")});
+    const List copy(list);
+    list.set(copy.get());
+    EXPECT_TRUE(log.empty());
+  }
+  EXPECT_EQ(log, (Log{"a"}));
+}
+
 TEST(SharedFunctions, MayBeAssignedToItself) {
   Log log;
   {
@@ -149,35 +162,37 @@ TEST(SharedFunctions, DeletesOnceWhenToldToBeforeItsEnd) {
   EXPECT_EQ(log, (Log{"a", "b"}));
 }
 
-/// Sets {a, c} over {a, b} with the allocation of this number failing; false when it takes fewer allocations.
+/// Sets {a, c, d} over {a, b} with the allocation of this number failing; false when it takes fewer allocations.
 bool survives_failure_of_allocation(int number) {
   Log log;
-  log.reserve(3);
-  bool failed = false;
+  log.reserve(4);  // so that logging takes no allocation
+  auto b = std::make_unique<Function>(log, "b");
   auto c = std::make_unique<Function>(log, "c");
+  auto d = std::make_unique<Function>(log, "d");
+  bool failed = false;
   {
     List list;
-    const Pointers before{new Function(log, "a"), new Function(log, "b")};
+    const Pointers before{new Function(log, "a"), b.get()};
     list.set(before);
-    const Pointers after{before[0], c.get()};
-    {
+    const Pointers after{before[0], c.get(), d.get()};
+    try {
       const support::Failing_allocation failing(number);
-      try {
-        list.set(after);
-      } catch (const std::bad_alloc&) {
-        failed = true;
-      }
+      list.set(after);
+    } catch (const std::bad_alloc&) {
+      failed = true;
     }
-    if (!failed) {
-      delete before[1];
-      static_cast<void>(c.release());
-      return false;
-    }
-    EXPECT_EQ(list.get(), before);
     EXPECT_TRUE(log.empty());
+    EXPECT_EQ(list.get(), failed ? before : after);
+    // What the list owns now is its own to delete; the rest is left to the pointers out here.
+    if (failed) {
+      static_cast<void>(b.release());
+    } else {
+      static_cast<void>(c.release());
+      static_cast<void>(d.release());
+    }
   }
-  EXPECT_EQ(log, (Log{"a", "b"}));
-  return true;
+  EXPECT_EQ(log, failed ? (Log{"a", "b"}) : (Log{"a", "c", "d"}));
+  return failed;
 }
 
 TEST(SharedFunctions, AreUnchangedWhenMemoryRunsOutWhileTheyAreSet) {
@@ -187,7 +202,7 @@ TEST(SharedFunctions, AreUnchangedWhenMemoryRunsOutWhileTheyAreSet) {
     ++number;
     ASSERT_FALSE(HasFailure());
   }
-  EXPECT_GE(number, 3);  // the list, the owners, the owner of the new function
+  EXPECT_GE(number, 4);  // the list, the owners, the owner of each new function
 }
 
 }  // namespace

@@ -57,6 +57,20 @@ TEST(SolverOwnership, IsSharedByAssignment) {
   EXPECT_EQ(log, all_in_order);
 }
 
+TEST(SolverOwnership, EndsWhenItsLastSolverIsAssignedTo) {
+  Log log;
+  auto solver = solver_with_functions(log);
+  const Linear_taylor_solver copy = *solver;
+  *solver = Linear_taylor_solver();
+  EXPECT_TRUE(log.empty());
+  {
+    auto only_owner = solver_with_functions(log);
+    *only_owner = copy;
+    EXPECT_EQ(log, all_in_order);
+  }
+  EXPECT_EQ(log, all_in_order);
+}
+
 TEST(SolverOwnership, SurvivesAssignmentToItself) {
   Log log;
   auto solver = solver_with_functions(log);

@@ -2,6 +2,8 @@
 // The reports of the rotation conversions.
 #include <gtest/gtest.h>
 
+#include <cstddef>
+#include <functional>
 #include <string>
 #include <utility>
 #include <vector>

@@ -21,7 +21,7 @@ using support::Case;
 using support::is_close;
 using support::Regime;
 
-constexpr std::uint64_t number_of_cases = 4000;
+constexpr std::uint64_t number_of_cases = 2000;
 
 const Matrix identity = support::matrix_of({{1, 0, 0}, {0, 1, 0}, {0, 0, 1}});
 

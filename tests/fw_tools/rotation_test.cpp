@@ -120,14 +120,19 @@ TEST(AngleAxisToMatrix, TurnsAboutTheAxesByTheRightHandRule) {
 }
 
 TEST(AngleAxisToMatrix, FollowsTheFormulaToTheLastBit) {
-  const double x = 2.0 / 3, y = -1.0 / 3, z = 2.0 / 3;
-  const double scale = 1 / std::sqrt(x * x + y * y + z * z);
-  const double ux = x * scale, uy = y * scale, uz = z * scale;
-  const double s = std::sin(2.5), c = std::cos(2.5), t = 1 - c;
-  const Matrix expected = matrix_of({{ux * (t * ux) + c, t * ux * uy - s * uz, t * ux * uz + s * uy},
-                                     {t * ux * uy + s * uz, uy * (t * uy) + c, t * uy * uz - s * ux},
-                                     {t * ux * uz - s * uy, t * uy * uz + s * ux, uz * (t * uz) + c}});
-  EXPECT_TRUE(is_close(fw::ang_axis_rad_to_rot_mat(Vector{x, y, z, 2.5}), expected, 0));
+  support::Random random(201);
+  for (int i = 0; i < 100; ++i) {
+    SCOPED_TRACE(testing::Message() << "case " << i << " of seed 201");
+    Vector a = random.vector_in_cube(3, 1.0);
+    a.push_back(random.uniform(-pi, pi));
+    const double scale = 1 / std::sqrt(a[0] * a[0] + a[1] * a[1] + a[2] * a[2]);
+    const double x = a[0] * scale, y = a[1] * scale, z = a[2] * scale;
+    const double s = std::sin(a[3]), c = std::cos(a[3]), t = 1 - c;
+    const Matrix expected = matrix_of({{x * (t * x) + c, t * x * y - s * z, t * x * z + s * y},
+                                       {t * x * y + s * z, y * (t * y) + c, t * y * z - s * x},
+                                       {t * x * z - s * y, t * y * z + s * x, z * (t * z) + c}});
+    EXPECT_TRUE(is_close(fw::ang_axis_rad_to_rot_mat(a), expected, 0));
+  }
 }
 
 TEST(QuaternionToMatrix, HasTheScalarLast) {

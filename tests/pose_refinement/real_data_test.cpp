@@ -2,7 +2,6 @@
 // Measured problems, refined call by call from their stored starts to their stored optima.
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cmath>
 #include <filesystem>
 #include <iomanip>
