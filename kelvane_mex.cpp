@@ -5,7 +5,6 @@
 #include <cstdlib>
 #include <cstring>
 #include <exception>
-#include <new>
 #include <vector>
 
 #include "pose_refinement/argument_contract.h"

@@ -5,7 +5,7 @@
 #include <cstddef>
 #include <utility>
 
-#include "fw_tools/Opencv_io.h"
+#include "camera_pose/hybrid_blocks.h"
 #include "fw_tools/rotation.h"
 #include "fw_tools/rotation_jacobians.h"
 
@@ -37,30 +37,6 @@ cv::Mat carry_over(const cv::Mat& J, const cv::Mat_<double>& rotation_jacobian) 
   return J * fw::convert_rot_jac_to_full_jac(rotation_jacobian);
 }
 
-/// What is said when a product does not fit its rows of J.
-struct Size_check {
-  const fw::Site& site;
-  const char* label;
-
-  void operator()(const cv::Mat& product, const cv::Mat& destination) const {
-    if (product.size() == destination.size()) return;
-    raise(site, label + fw::size_text(destination.size()) + " but input was " + fw::size_text(product.size()));
-  }
-};
-
-/// Copies the products below block 1, unless a check objects; returns the number of rows of all three blocks.
-int copy_blocks(const cv::Mat& block_2, const Size_check& check_2, const cv::Mat& block_3, const Size_check* check_3,
-                cv::Mat& J, int start) {
-  const int n = block_2.rows;
-  cv::Mat rows_2 = J.rowRange(start + n, start + 2 * n);
-  cv::Mat rows_3 = J.rowRange(start + 2 * n, start + 3 * n);
-  check_2(block_2, rows_2);
-  if (check_3 != nullptr) (*check_3)(block_3, rows_3);
-  block_2.copyTo(rows_2);
-  block_3.copyTo(rows_3);
-  return 3 * n;
-}
-
 }  // namespace
 
 Camera_position_grad_func_hybrid::Camera_position_grad_func_hybrid(std::vector<std::vector<double>> the_points,
@@ -74,7 +50,7 @@ Camera_position_grad_func_hybrid::Camera_position_grad_func_hybrid(std::vector<s
 }
 
 int Camera_position_grad_func_qu_aau_aan::operator()(const std::vector<double>& x, cv::Mat& J, int start) const try {
-  if (points.empty()) return 0;
+  if (points.empty()) return 0;  // OpenCV multiplies no matrix without rows
   const int n = qu(x, J, start);
   std::vector<double> q = rotation_entries(x, 4);
   const cv::Mat_<double> daau_dq = fw::quaternion_to_rot_vec_jacobian(q);
@@ -84,8 +60,7 @@ int Camera_position_grad_func_qu_aau_aan::operator()(const std::vector<double>& 
 
   const cv::Mat aan_block = carry_over(evaluate(aan, search_vector(a, x, 4), n), daan_dq);
   const cv::Mat aau_block = carry_over(evaluate(aau, search_vector(r, x, 4), n), daau_dq);
-  const Size_check check_2{site::qu_aau_aan_block_2, "Size mismatch for aau grads. output roi was "};
-  return copy_blocks(aau_block, check_2, aan_block, nullptr, J, start);
+  return hybrid::copy_blocks(aau_block, hybrid::qu_aau_aan_check_2, aan_block, nullptr, J, start);
 }
 FW_ADD_CONTEXT(site::qu_aau_aan, "")
 
@@ -100,9 +75,7 @@ int Camera_position_grad_func_aau_qu_aan::operator()(const std::vector<double>& 
 
   const cv::Mat qu_block = carry_over(evaluate(qu, search_vector(q, x, 3), n), dqu_dr);
   const cv::Mat aan_block = carry_over(evaluate(aan, search_vector(a, x, 3), n), daan_dr);
-  const Size_check check_2{site::aau_qu_aan_block_2, "Size mismatch for quat grads. output roi was "};
-  const Size_check check_3{site::aau_qu_aan_block_3, "Size mismatch for aan grads. output roi was "};
-  return copy_blocks(qu_block, check_2, aan_block, &check_3, J, start);
+  return hybrid::copy_blocks(qu_block, hybrid::aau_qu_aan_check_2, aan_block, &hybrid::aau_qu_aan_check_3, J, start);
 }
 FW_ADD_CONTEXT(site::aau_qu_aan, "")
 
@@ -117,9 +90,6 @@ int Camera_position_grad_func_aan_qu_aau::operator()(const std::vector<double>& 
 
   const cv::Mat qu_block = carry_over(evaluate(qu, search_vector(q, x, 4), n), dqu_da);
   const cv::Mat aau_block = carry_over(evaluate(aau, search_vector(r, x, 4), n), daau_da);
-  // The labels name other representations than the blocks they guard.
-  const Size_check check_2{site::aan_qu_aau_block_2, "Size mismatch for aau grads. output roi was "};
-  const Size_check check_3{site::aan_qu_aau_block_3, "Size mismatch for aan grads. output roi was "};
-  return copy_blocks(qu_block, check_2, aau_block, &check_3, J, start);
+  return hybrid::copy_blocks(qu_block, hybrid::aan_qu_aau_check_2, aau_block, &hybrid::aan_qu_aau_check_3, J, start);
 }
 FW_ADD_CONTEXT(site::aan_qu_aau, "")

@@ -6,9 +6,9 @@
 #include <vector>
 
 #include "camera_pose/camera_position_grad_func.h"
+#include "camera_pose/hybrid_blocks.h"
 #include "fw_opt/grad_func.h"
 #include "fw_tools/matrix.h"
-#include "fw_tools/report.h"
 
 /// What the hybrid Jacobians have in common.
 ///
@@ -16,8 +16,9 @@
 /// 3 are those of the other two, carried over by the chain rule (docs/derivations.md, Eq. 31).
 ///
 /// operator()(x, J, start) fills rows start to start + 6 N - 1 of J and returns 6 N; only a start of 0 is to be relied
-/// on. Without points it returns 0 and writes nothing. Where a representation Jacobian is not finite (no rotation; for
-/// type -1 a scalar part of 1 or more in size) blocks 2 and 3 are not finite either.
+/// on. Without points it returns 0 and writes nothing. Where a representation Jacobian is not finite blocks 2 and
+/// 3 are not either: types -1 and -2 without a rotation, type -1 at a scalar part of 1 or more in size, type -3 at a
+/// zero axis.
 class Camera_position_grad_func_hybrid : public fw::Grad_func {
  public:
   /// Points of 3 coordinates each (world units), K 3 by 3 (pixels); takes ownership of the base function once nothing
@@ -60,20 +61,3 @@ class Camera_position_grad_func_aan_qu_aau : public Camera_position_grad_func_hy
   using Camera_position_grad_func_hybrid::Camera_position_grad_func_hybrid;
   int operator()(const std::vector<double>& x, cv::Mat& J, int start) const override;
 };
-
-namespace site {
-inline constexpr fw::Site qu_aau_aan_block_2{
-    "kelvane_mex.cpp", 1451,
-    "virtual int Camera_position_grad_func_qu_aau_aan::operator()(const std::vector<double>&, cv::Mat&, int) const"};
-inline constexpr fw::Site qu_aau_aan{qu_aau_aan_block_2.file, 1457, qu_aau_aan_block_2.signature};
-inline constexpr fw::Site aau_qu_aan_block_2{
-    "kelvane_mex.cpp", 1543,
-    "virtual int Camera_position_grad_func_aau_qu_aan::operator()(const std::vector<double>&, cv::Mat&, int) const"};
-inline constexpr fw::Site aau_qu_aan_block_3{aau_qu_aan_block_2.file, 1545, aau_qu_aan_block_2.signature};
-inline constexpr fw::Site aau_qu_aan{aau_qu_aan_block_2.file, 1549, aau_qu_aan_block_2.signature};
-inline constexpr fw::Site aan_qu_aau_block_2{
-    "kelvane_mex.cpp", 1635,
-    "virtual int Camera_position_grad_func_aan_qu_aau::operator()(const std::vector<double>&, cv::Mat&, int) const"};
-inline constexpr fw::Site aan_qu_aau_block_3{aan_qu_aau_block_2.file, 1637, aan_qu_aau_block_2.signature};
-inline constexpr fw::Site aan_qu_aau{aan_qu_aau_block_2.file, 1641, aan_qu_aau_block_2.signature};
-}  // namespace site

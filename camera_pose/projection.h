@@ -68,8 +68,8 @@ inline void write_pixel_rows(const Projection<n_r>& projection, const double* X,
   }
 }
 
-/// Writes the three rows dc1/dx, dc2/dx, dc3/dx of one point X (3 coordinates) seen from the centre t, n_r + 3 entries
-/// each (docs/derivations.md, Eq. 23): c = M (X - t) is not divided by anything, so the rows are linear in the point.
+/// Writes the three rows dp1/dx, dp2/dx, dp3/dx of one point X (3 coordinates) seen from the centre t, n_r + 3 entries
+/// each (docs/derivations.md, Eq. 23): p = M (X - t) is not divided by anything, so the rows are linear in the point.
 template <std::size_t n_r>
 inline void write_bearing_rows(const Projection<n_r>& projection, const double* X, const double* t, double* rows) {
   const double D[3] = {X[0] - t[0], X[1] - t[1], X[2] - t[2]};

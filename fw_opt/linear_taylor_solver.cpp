@@ -4,7 +4,6 @@
 
 #include <cmath>
 #include <limits>
-#include <utility>
 
 #include "fw_tools/IplImage_overloads.h"
 #include "fw_tools/std_vector_overloads.h"

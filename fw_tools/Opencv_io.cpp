@@ -6,7 +6,6 @@
 #include <cstddef>
 #include <cstdlib>
 #include <stdexcept>
-#include <utility>
 
 namespace fw {
 namespace {
@@ -62,7 +61,7 @@ std::istream& operator>>(std::istream& stream, cv::Rect& rectangle) {
   return stream;
 }
 
-#if FW_HAS_LEGACY_OPENCV_TYPES
+#if __has_include(<opencv2/core/types_c.h>)
 
 std::ostream& operator<<(std::ostream& stream, const CvRect& rectangle) {
   return stream << " (" << rectangle.x << "," << rectangle.y << "," << rectangle.width << "," << rectangle.height

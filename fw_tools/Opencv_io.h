@@ -17,9 +17,6 @@
 // OpenCV 5 has removed the legacy structures.
 #if __has_include(<opencv2/core/types_c.h>)
 #include <opencv2/core/types_c.h>
-#define FW_HAS_LEGACY_OPENCV_TYPES 1
-#else
-#define FW_HAS_LEGACY_OPENCV_TYPES 0
 #endif
 
 namespace fw {
@@ -33,7 +30,7 @@ std::istream& operator>>(std::istream& stream, cv::Size& size);
 /// Reads four fields: x, y, width, height.
 std::istream& operator>>(std::istream& stream, cv::Rect& rectangle);
 
-#if FW_HAS_LEGACY_OPENCV_TYPES
+#if __has_include(<opencv2/core/types_c.h>)
 /// " (x,y,width,height) ", with a blank on either side
 std::ostream& operator<<(std::ostream& stream, const CvRect& rectangle);
 /// "(width,height,depth,nChannels)"
@@ -45,7 +42,8 @@ std::istream& operator>>(std::istream& stream, IplImage& image);
 #endif
 
 /// Reads the row count, the column count and the elements row by row, separated by white space. m must hold something:
-/// it is resampled to the new size, then overwritten; nothing is read into it where the row count is below 1.
+/// it is resampled to the new size, then overwritten; OpenCV refuses to do so where a count is below 1
+/// or m is empty.
 /// Raises "operator>> cv::Mat : mat type was not doubles, ..." (fw_tools/Opencv_io.cpp, 172) unless m has one channel
 /// of doubles. Needs OpenCV's imgproc.
 std::istream& operator>>(std::istream& stream, cv::Mat& m);

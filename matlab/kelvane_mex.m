@@ -44,7 +44,7 @@
 %   rotation in unsquared entries: it is not the derivative of the prediction, and refinements with it mostly diverge.
 %   Types -3 to -1 stack the pixel equations three times, each block differentiated through the representation named
 %   there. Where one of those derivatives is not finite (types -1 and -2 without a rotation, type -1 with a scalar of 1
-%   or more) the start is returned; with type -1 keep the quaternion at unit length and its scalar positive.
+%   or more in size) the start is returned; with type -1 keep the quaternion at unit length and its scalar positive.
 %   Types 10 to 12 predict p itself, not scaled: k11 must be 1 and k13, k23 must be 0 (to 0.0001). Their target is filled
 %   as if it were pixels: the first two rows of the observations, pair after pair, take the first 2 * N of the 3 * N
 %   equations and zeros the last N; the third row is not read.

@@ -61,6 +61,7 @@ std::unique_ptr<fw::Grad_func> make_jacobian(const Problem& problem) {
   return jacobian;
 }
 
+/// The one place that knows which class belongs to which type; the last line guards against a type out of the table.
 std::unique_ptr<fw::Grad_func> make_jacobian_of_type(const Problem& problem) {
   switch (problem.type->id) {
     case 0:

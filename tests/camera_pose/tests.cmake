@@ -1,4 +1,5 @@
 # SPDX-License-Identifier: BSD-3-Clause
+# Tests of the camera model.
 kelvane_add_test(camera_pose/camera_position_grad_func_accuracy)
 kelvane_add_test(camera_pose/camera_position_grad_func_identities)
 kelvane_add_test(camera_pose/camera_position_grad_func)
@@ -7,6 +8,7 @@ kelvane_add_test(camera_pose/rotation_type)
 kelvane_add_test(camera_pose/rotation_models)
 kelvane_add_test(camera_pose/projection)
 kelvane_add_test(camera_pose/camera_position_grad_func_bearing)
+kelvane_add_test(camera_pose/hybrid_blocks)
 kelvane_add_test(camera_pose/camera_position_grad_func_hybrid)
 kelvane_add_test(camera_pose/camera_position_grad_func_hybrid_agreement)
 kelvane_add_test(camera_pose/camera_position_grad_func_hybrid_errors)

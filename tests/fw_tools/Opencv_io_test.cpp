@@ -52,7 +52,7 @@ TEST(OpencvText, FollowsTheSettingsOfTheStream) {
   EXPECT_EQ(stream.str(), "(0x10,0xff)");
 }
 
-#if FW_HAS_LEGACY_OPENCV_TYPES
+#if __has_include(<opencv2/core/types_c.h>)
 
 TEST(LegacyText, HasABlankOnEitherSideOfARectangle) { EXPECT_EQ(written(cvRect(1, 2, 3, 4)), " (1,2,3,4) "); }
 

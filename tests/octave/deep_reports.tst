@@ -7,16 +7,21 @@
 %!    'Details: For bearing vectors, expected k to be identity, instead got %s\n'], K));
 %!endfunction
 
-%!function inputs = bearing_inputs(type, intrinsics)
+%!function inputs = bearing_inputs(type, intrinsics, flag)
+%!  if nargin < 3
+%!    flag = 0;
+%!  end
 %!  rotation = {[0.1, 0.2, 0.3], [1, 0, 0, 0.1], [0.1, 0, 0, 1]};
 %!  camera = [rotation{type - 9}, 0, 0, -3, intrinsics];
-%!  inputs = {camera, [0, 1, 0, 1; 0, 0, 1, 1; 0, 0.1, 0.2, 0], ones(3, 4), [1, 0, 0, 1], type};
+%!  inputs = {camera, [0, 1, 0, 1; 0, 0, 1, 1; 0, 0.1, 0.2, 0], ones(3, 4), [1, 0, 0, flag], type};
 %!endfunction
 
 %!test  % bearing types with intrinsics that are not the identity
 %! for type = 10:12
-%!   assert(caught(bearing_inputs(type, [500, 320.5, 1e-7])), ...
-%!          bearing_report(sprintf('3\t3\n500\t0\t320.5\t\n0\t500\t1e-07\t\n0\t0\t1\t\n')));
+%!   for flag = 0:1  % in closed form and by finite differences
+%!     assert(caught(bearing_inputs(type, [500, 320.5, 1e-7], flag)), ...
+%!            bearing_report(sprintf('3\t3\n500\t0\t320.5\t\n0\t500\t1e-07\t\n0\t0\t1\t\n')));
+%!   end
 %! end
 
 %!test  % each of the three intrinsics is checked, to 0.0001

@@ -7,7 +7,7 @@
 %!endfunction
 
 %!test  % inputs and their aliases stay as they are
-%! for type = 0:3
+%! for type = [0:3, -3:-1]
 %!   inputs = valid_inputs(type);
 %!   aliases = inputs;
 %!   copies = cellfun(@(value) value + 0, inputs, 'UniformOutput', false);  % arrays of their own

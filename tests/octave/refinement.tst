@@ -1,7 +1,6 @@
 % SPDX-License-Identifier: BSD-3-Clause
 % What a call returns, on photographs of a chessboard whose best poses are known from other solvers.
 
-
 %!test  % every pixel type but 3 reaches the known optimum of every view
 %! for id = 1:6
 %!   view = chessboard_view(id);
@@ -84,7 +83,7 @@
 %!   assert(x, difference_step(view, type, 1e-7, 1e-7), 1e-5);
 %! end
 
-%!test  % the hybrid types run with finite differences, too
+%!test  % by finite differences the hybrid types move as well
 %! view = chessboard_view(1);
 %! for type = [-1, -2, -3]
 %!   start = view.start{representation_of(type)};

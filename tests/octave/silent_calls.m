@@ -1,7 +1,7 @@
 % SPDX-License-Identifier: BSD-3-Clause
 % Calls kelvane_mex in every way and prints one line of its own. Whatever else appears came from inside the module.
 function silent_calls()
-  for type = 0:3
+  for type = [0:3, -3:-1]
     inputs = valid_inputs(type);
     x = kelvane_mex(inputs{:}); %#ok<NASGU>
     inputs{4}(4) = 1;
@@ -9,6 +9,17 @@ function silent_calls()
   end
   inputs = valid_inputs();
   x = kelvane_mex(inputs{1:3}); %#ok<NASGU>
+  bearings = [zeros(1, 2), 1, 0.1; zeros(1, 2), 1, 0; ones(1, 4)];
+  for type = 10:12
+    for flag = 0:1
+      rotation = eye(1, 3 + (type > 10));
+      x = kelvane_mex([rotation, 0, 0, -3, 1, 0, 0], inputs{2}, bearings, [0, 0, 0, flag], type); %#ok<NASGU>
+    end
+  end
+  for type = [-1, -2]  % no rotation: their Jacobians are not finite
+    rotation = {[0, 0, 0, 1], [0, 0, 0]};
+    x = kelvane_mex([rotation{-type}, 0, 0, -3, 1, 0, 0], inputs{2:4}, type); %#ok<NASGU>
+  end
   caught({});
   caught(inputs, 0);
   caught(with(1, 'text'));

@@ -99,7 +99,7 @@ TEST_P(GatewayError, PassesPercentSignsAndLongTextsThrough) {
 TEST_P(GatewayError, StacksTheContextOfEveryLayer) {
   // The objective of a bearing type wants the identity as K, and only the solver asks it.
   std::vector<mxArray> inputs{row({0, 0, 0, 0, 0, 0, 1, 0.5, 0}), real_matrix(3, 3, std::vector<double>(9, 1.0)),
-                              real_matrix(3, 3, std::vector<double>(9, 1.0)), row({0, 0, 0, 1}), scalar(10)};
+                              real_matrix(3, 3, std::vector<double>(9, 1.0)), row({0, 0, 0, 0}), scalar(10)};
   const auto result = mex_host::call(inputs, 1, GetParam());
   const std::string vector = "std::vector<double, std::allocator<double> >";
   const std::string in_solver = "(const " + vector + "&, const " + vector + "&";

@@ -1,6 +1,6 @@
 % SPDX-License-Identifier: BSD-3-Clause
-% Six inputs that kelvane_mex accepts, as a cell array, for one of the rotation types 0 to 3; one representation and four
-% points, so eight equations.
+% Six inputs that kelvane_mex accepts, as a cell array, for one of the pixel types, with four points: eight equations, three
+% times for hybrid types.
 function inputs = valid_inputs(type)
   if nargin < 1
     type = 0;
@@ -8,5 +8,6 @@ function inputs = valid_inputs(type)
   view = chessboard_view(1);
   corners = [1, 9, 46, 54];
   camera = [view.start{representation_of(type)}, view.intrinsics];
-  inputs = {camera, view.points(:, corners), view.pixels(:, corners), [10, 0, -10000, 0], type, ones(1, 8)};
+  num_equations = 8 * (1 + 2 * (type < 0));
+  inputs = {camera, view.points(:, corners), view.pixels(:, corners), [10, 0, -10000, 0], type, ones(1, num_equations)};
 end
