@@ -17,8 +17,13 @@ class Shared_functions {
  public:
   Shared_functions() = default;
   Shared_functions(const Shared_functions&) = default;
-  /// Deletes what this list alone owned.
-  Shared_functions& operator=(const Shared_functions&) = default;
+  /// Deletes what this list alone owned. When an allocation fails, nothing has changed.
+  Shared_functions& operator=(const Shared_functions& source) {
+    Shared_functions copy(source);
+    list.swap(copy.list);
+    owners.swap(copy.owners);
+    return *this;
+  }
   ~Shared_functions() { delete_all(); }
 
   /// Replaces the list and deletes nothing: a function that drops out and has no other owner is the caller's again.

@@ -29,8 +29,8 @@
 %
 %   Rotation types and the elements of r, all angles in radians:
 %      0  aau        rotation vector (axis * angle)                      [rx, ry, rz]
-%      1  aan        axis and angle, angle last                          [ax, ay, az, angle]
-%      2  qu         quaternion of any length, scalar last               [qx, qy, qz, qw]
+%      1  aan        axis (length 1e-8 or more) and angle, angle last    [ax, ay, az, angle]
+%      2  qu         quaternion of length 1e-10 to 1e10, scalar last     [qx, qy, qz, qw]
 %      3  qn         the same, differentiated as if of unit length       [qx, qy, qz, qw]
 %     10  aau-bv     bearing vectors, r as in type 0                     [rx, ry, rz]
 %     11  aan-bv     bearing vectors, r as in type 1                     [ax, ay, az, angle]
@@ -43,8 +43,9 @@
 %   with angle 0 turns about the given axis only in its first step. The Jacobian of type 3 holds the diagonal of the
 %   rotation in unsquared entries: it is not the derivative of the prediction, and refinements with it mostly diverge.
 %   Types -3 to -1 stack the pixel equations three times, each block differentiated through the representation named
-%   there. Where one of those derivatives is not finite (types -1 and -2 without a rotation, type -1 with a scalar of 1
-%   or more in size) the start is returned; with type -1 keep the quaternion at unit length and its scalar positive.
+%   there. Where one of those derivatives is not finite (types -1 and -2 without a rotation or a tiny one, type -1 with
+%   a scalar of 1 or more in size) the start is returned; with type -1 keep the quaternion at unit length and its scalar
+%   positive.
 %   Types 10 to 12 predict p itself, not scaled: k11 must be 1 and k13, k23 must be 0 (to 0.0001). Their target is filled
 %   as if it were pixels: the first two rows of the observations, pair after pair, take the first 2 * N of the 3 * N
 %   equations and zeros the last N; the third row is not read.
@@ -60,7 +61,7 @@
 %     use_finite_difference   0: closed-form Jacobian. Any other value: forward differences with steps of 0.01 for t and
 %                             0.0314 for r, 0.314 where r is a quaternion.
 %     The best of the new points is returned, so the result can be worse than the start, whose error is not looked at;
-%     a point whose squared error is NaN never is. Where all are NaN the start is returned.
+%     a point whose squared error is NaN or infinite never is. Where all are, the start is returned.
 %
 %   Weights multiply the equations (not their squares), in the order u1, v1, u2, v2, ... (types 10 to 12: three for each
 %   point; types -3 to -1: that order three times). Only the first iteration of a call is weighted throughout: later
