@@ -8,13 +8,12 @@
 //   quaternion       (x, y, z, w), scalar last, of any length but zero
 #pragma once
 
-#include <cmath>
-#include <cstddef>
+#include <algorithm>
 #include <vector>
 
 #include "fw_tools/matrix.h"
 #include "fw_tools/report.h"
-#include "fw_tools/scalar_helpers.h"
+#include "fw_tools/rotation_arrays.h"
 
 namespace fw {
 
@@ -85,33 +84,30 @@ inline constexpr Site rot_mat_to_quaternion_size{
 }  // namespace site
 
 namespace rotation_detail {
-inline constexpr double pi = 3.14159265358979323846;
-inline constexpr double matrix_tolerance = 1e-12;  // distance from trace 3, trace -1 or 0 that counts as equal
-inline constexpr double axis_tolerance = 1e-16;    // squared length up to which an axis has no direction
 
-/// Angle-axis at the angle pi, where R = 2 x x' - I leaves the axis its magnitudes and the signs of its products.
+/// The upper left 3 by 3 elements as a plain array.
 template <typename T>
-std::vector<T> half_turn_to_ang_axis(const matrix<T>& R) {
-  std::vector<T> result(4);
-  for (unsigned int i = 0; i < 3; ++i) {
-    const T magnitude = std::sqrt(max_portable<T>((1 + R.get(i, i)) * 0.5, 0));
-    result[i] = magnitude <= matrix_tolerance ? 0 : magnitude;
+struct Elements {
+  T R[3][3];
+  explicit Elements(const matrix<T>& source) {
+    for (unsigned int i = 0; i < 3; ++i) std::copy_n(source[i], 3, R[i]);
   }
-  // Only R(1, 2) is probed, and a negative one turns the first element round, whatever the other products say.
-  if (R.get(1, 2) < -matrix_tolerance) result[0] = -result[0];
-  result[3] = pi;
+};
+
+template <typename T>
+matrix<T> to_matrix(const T (&R)[3][3]) {
+  matrix<T> result(3, 3);
+  for (unsigned int i = 0; i < 3; ++i) std::copy_n(R[i], 3, result[i]);
   return result;
 }
+
 }  // namespace rotation_detail
 
 template <typename T>
 const std::vector<T> rot_mat_to_ang_axis_rad(const matrix<T>& R) try {
-  const T trace = R.trace();
-  if (std::abs(trace - 3) <= rotation_detail::matrix_tolerance) return {0, 1, 0, 0};
-  if (!(std::abs(trace + 1) > rotation_detail::matrix_tolerance)) return rotation_detail::half_turn_to_ang_axis(R);
-  const T angle = std::acos((trace - 1) * 0.5);
-  const T d = 2 * std::sin(angle);
-  return {(R.get(2, 1) - R.get(1, 2)) / d, (R.get(0, 2) - R.get(2, 0)) / d, (R.get(1, 0) - R.get(0, 1)) / d, angle};
+  T a[4];
+  rotation_arrays::rot_mat_to_ang_axis_rad(rotation_detail::Elements<T>(R).R, R.trace(), a);
+  return {a, a + 4};
 }
 FW_ADD_CONTEXT(site::rot_mat_to_ang_axis_context, "")
 
@@ -127,45 +123,21 @@ std::vector<T> rot_mat_to_quaternion(matrix<T> R) {
           text("Incorrectly sized matrix input. Quaternions only defined for 3d rotations, but matrix had size ",
                R.get_dim1(), " by ", R.get_dim2()));
   }
-  // Divides by the largest of the four elements, but for ties, which go to the later axis.
-  const T trace = R[0][0] + R[1][1] + R[2][2];
-  if (trace > 0) {
-    const T S = 0.5 / std::sqrt(trace + 1);
-    return {(R[2][1] - R[1][2]) * S, (R[0][2] - R[2][0]) * S, (R[1][0] - R[0][1]) * S, 0.25 / S};
-  }
-  if (R[0][0] > R[1][1] && R[0][0] > R[2][2]) {
-    const T S = 2 * std::sqrt(1 + R[0][0] - R[1][1] - R[2][2]);
-    return {0.25 * S, (R[0][1] + R[1][0]) / S, (R[0][2] + R[2][0]) / S, (R[2][1] - R[1][2]) / S};
-  }
-  if (R[1][1] > R[2][2]) {
-    const T S = 2 * std::sqrt(1 + R[1][1] - R[0][0] - R[2][2]);
-    return {(R[0][1] + R[1][0]) / S, 0.25 * S, (R[1][2] + R[2][1]) / S, (R[0][2] - R[2][0]) / S};
-  }
-  const T S = 2 * std::sqrt(1 + R[2][2] - R[0][0] - R[1][1]);
-  return {(R[0][2] + R[2][0]) / S, (R[1][2] + R[2][1]) / S, 0.25 * S, (R[1][0] - R[0][1]) / S};
+  T q[4];
+  rotation_arrays::rot_mat_to_quaternion(rotation_detail::Elements<T>(R).R, q);
+  return {q, q + 4};
 }
 
 template <typename T>
 const std::vector<T> rot_vec_to_ang_axis(const std::vector<T>& v) {
   std::vector<T> result(v.size() + 1);
-  T squared_length = 0;
-  for (const T& element : v) squared_length += square(element);
-  const T angle = std::sqrt(squared_length);
-  result.back() = angle;
-  if (angle == 0.0) return result;
-  for (std::size_t k = 0; k < v.size(); ++k) result[k] = v[k] / angle;
+  result.back() = rotation_arrays::split_length(v.data(), v.size(), result.data());
   return result;
 }
 
 template <typename T>
 void enforce_ang_axis(std::vector<T>& a) {
-  if (a.size() < 2) return;
-  const std::size_t axis_size = a.size() - 1;
-  T squared_length = 0;
-  for (std::size_t k = 0; k < axis_size; ++k) squared_length += square(a[k]);
-  // An axis without a direction is shrunk further, not left alone.
-  const T scale = squared_length > rotation_detail::axis_tolerance ? 1 / std::sqrt(squared_length) : 1e-16;
-  for (std::size_t k = 0; k < axis_size; ++k) a[k] *= scale;
+  if (a.size() >= 2) rotation_arrays::normalise_axis(a.data(), a.size() - 1);
 }
 
 template <typename T>
@@ -175,66 +147,37 @@ const std::vector<T> ang_axis_to_rot_vec(const std::vector<T>& a) try {
           text("input std::vector had size ", a.size(), " doesn't seem to be a normalised angle axis std::vector"));
   }
   std::vector<T> v = a;
-  enforce_ang_axis(v);
-  const T angle = v.back();
+  rotation_arrays::ang_axis_to_rot_vec(a.data(), a.size() - 1, v.data());
   v.pop_back();
-  for (T& element : v) element *= angle;
   return v;
 }
 FW_ADD_CONTEXT(site::ang_axis_to_rot_vec_context, "")
 
 template <typename T>
 matrix<T> quaternion_to_rot_mat(std::vector<T>& q) {
-  const T x = q[0];
-  const T y = q[1];
-  const T z = q[2];
-  const T w = q[3];
-  const T k = 1 / (x * x + y * y + z * z + w * w);
-  matrix<T> R(3, 3);
-  R[0][0] = (x * x - y * y - z * z + w * w) * k;
-  R[1][1] = (y * y - x * x - z * z + w * w) * k;
-  R[2][2] = (-x * x - y * y + z * z + w * w) * k;
-  R[1][0] = 2 * (x * y + z * w) * k;
-  R[0][1] = 2 * (x * y - z * w) * k;
-  R[2][0] = 2 * (x * z - y * w) * k;
-  R[0][2] = 2 * (x * z + y * w) * k;
-  R[2][1] = 2 * (y * z + x * w) * k;
-  R[1][2] = 2 * (y * z - x * w) * k;
-  return R;
+  T R[3][3];
+  rotation_arrays::quaternion_to_rot_mat(q.data(), R);
+  return rotation_detail::to_matrix(R);
 }
 
 template <typename T>
 const matrix<T> ang_axis_rad_to_rot_mat(const std::vector<T>& a) try {
-  matrix<T> R(3, 3);
   if (a.size() != 4) {
     raise(site::ang_axis_to_rot_mat_size,
           text("Conversion only implemented for 3d rotations. input had size ", a.size()));
   }
-  std::vector<T> unit = a;
-  enforce_ang_axis(unit);
-  const T x = unit[0];
-  const T y = unit[1];
-  const T z = unit[2];
-  const T s = std::sin(unit[3]);
-  const T c = std::cos(unit[3]);
-  const T t = 1 - c;
-  R[0][0] = x * (t * x) + c;
-  R[0][1] = t * x * y - s * z;
-  R[0][2] = t * x * z + s * y;
-  R[1][0] = t * x * y + s * z;
-  R[1][1] = y * (t * y) + c;
-  R[1][2] = t * y * z - s * x;
-  R[2][0] = t * x * z - s * y;
-  R[2][1] = t * y * z + s * x;
-  R[2][2] = z * (t * z) + c;
-  return R;
+  T R[3][3];
+  rotation_arrays::ang_axis_rad_to_rot_mat(a.data(), R);
+  return rotation_detail::to_matrix(R);
 }
 FW_ADD_CONTEXT(site::ang_axis_to_rot_mat_context, "")
 
 template <typename T>
 const matrix<T> rot_vec_rad_to_rot_mat(const std::vector<T>& v) {
   if (v.size() != 3) raise(site::rot_vec_to_rot_mat_size, "Conversion only implemented for 3d rotations");
-  return ang_axis_rad_to_rot_mat(rot_vec_to_ang_axis(v));
+  T R[3][3];
+  rotation_arrays::rot_vec_rad_to_rot_mat(v.data(), R);
+  return rotation_detail::to_matrix(R);
 }
 
 }  // namespace fw
