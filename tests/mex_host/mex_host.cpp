@@ -10,21 +10,24 @@
 #include <stdexcept>
 #include <utility>
 
-namespace {
-
-struct Host_error : std::runtime_error {
-  using std::runtime_error::runtime_error;
-};
-
 // One call at a time on each thread.
-struct Call {
-  mex_host::Error_call error_call = mex_host::Error_call::throws;
+struct mex_host::Call {
+  Error_call error_call = Error_call::throws;
   std::jmp_buf return_point = {};
   std::string identifier;
   std::string message;
   std::string forbidden_access;
   std::vector<std::unique_ptr<mxArray>> created;
 };
+
+namespace {
+
+using mex_host::Call;
+
+struct Host_error : std::runtime_error {
+  using std::runtime_error::runtime_error;
+};
+
 thread_local Call* current = nullptr;
 
 void check_access(const mxArray* array, const char* function) {
@@ -147,6 +150,25 @@ Result call(const std::vector<mxArray>& inputs, int num_outputs, Error_call erro
   }
   current = nullptr;
   return result;
+}
+
+Prepared_call::Prepared_call(std::vector<mxArray> the_inputs)
+    : inputs_(std::move(the_inputs)), call_(std::make_unique<Call>()) {
+  for (const mxArray& input : inputs_) input_pointers_.push_back(&input);
+}
+
+Prepared_call::~Prepared_call() = default;
+
+void Prepared_call::operator()(decltype(&mexFunction) entry) {
+  call_->created.clear();
+  current = call_.get();
+  try {
+    entry(1, &output_, static_cast<int>(inputs_.size()), input_pointers_.data());
+  } catch (const Host_error&) {
+    current = nullptr;
+    throw std::runtime_error(call_->message);
+  }
+  current = nullptr;
 }
 
 }  // namespace mex_host
