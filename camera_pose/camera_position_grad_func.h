@@ -2,11 +2,17 @@
 // Closed-form Jacobians of the pixel and bearing predictions, one class for each rotation representation.
 #pragma once
 
+#include <cstddef>
+#include <memory>
 #include <opencv2/core.hpp>
 #include <vector>
 
+#include "camera_pose/intrinsics.h"
+#include "camera_pose/packed_points.h"
+#include "camera_pose/projection.h"
 #include "camera_pose/rotation_models.h"
 #include "fw_opt/grad_func.h"
+#include "fw_opt/packed_equations.h"
 #include "fw_tools/matrix.h"
 
 /// What the Jacobians have in common.
@@ -18,70 +24,85 @@
 /// camera-frame vector) with one column for each entry of x, starting at *element* `start` of J's data (an offset in
 /// doubles, not a row), and returns the number of rows, 2 N (3 N). J must be continuous, CV_64F and large enough; it is
 /// not checked, nor is the length of x.
-class Camera_position_grad_func : public fw::Grad_func {
+class Camera_position_grad_func : public fw::Grad_func, private fw::Packed_jacobian {
  public:
-  /// Points of 3 coordinates each (world units), K 3 by 3 (pixels); takes ownership of the base function.
-  Camera_position_grad_func(std::vector<std::vector<double>> points, fw::matrix<double> K, fw::Opt_func* base) noexcept;
+  /// Points of 3 coordinates each (world units), K 3 by 3 (pixels); takes ownership of the base function once nothing
+  /// can fail any more.
+  Camera_position_grad_func(const std::vector<std::vector<double>>& points, const fw::matrix<double>& K,
+                            fw::Opt_func* base);
+  /// The same with points that others evaluate as well.
+  Camera_position_grad_func(std::shared_ptr<const Packed_points> points, const Intrinsics& intrinsics,
+                            fw::Opt_func* base) noexcept;
   Camera_position_grad_func(const Camera_position_grad_func&) = default;
   Camera_position_grad_func& operator=(const Camera_position_grad_func&) = delete;
 
- protected:
-  template <std::size_t n_r>
-  int write_pixel_jacobian(const Rotation_model<n_r>& rotation, const double* t, cv::Mat& J, int start) const;
-  template <std::size_t n_r>
-  int write_bearing_jacobian(const Rotation_model<n_r>& rotation, const double* t, cv::Mat& J, int start) const;
+  int operator()(const std::vector<double>& x, cv::Mat& J, int start) const override;
+  /// The same Jacobian in packed order.
+  const fw::Packed_jacobian* packed() const override { return this; }
 
-  std::vector<std::vector<double>> points;
-  fw::matrix<double> K;
+ protected:
+  std::shared_ptr<const Packed_points> points;
+  Intrinsics intrinsics;
+};
+
+/// What the classes differ in: the model of the rotation, and the rotation type.
+template <std::size_t n_r, Rotation_model<n_r> (*model)(const double*), int rotation_type>
+class Camera_position_grad_func_of : public Camera_position_grad_func {
+ public:
+  using Camera_position_grad_func::Camera_position_grad_func;
+  /// What is constant over the points at x.
+  Projection<n_r> projection_at(const double* x) const;
+
+ private:
+  static constexpr bool is_bearing = rotation_type >= 10;
+
+  fw::Packed_layout layout() const override { return {points->size(), is_bearing ? 3U : 2U, 1}; }
+  int num_columns() const override { return n_r + 3; }
+  void linearise(const std::vector<double>& x, fw::Row_sink& sink) const override;
+  bool predicts_base() const override;
+  bool predicts_base_at(const std::vector<double>& x) const override;
 };
 
 /// Rotation type 0: columns r1, r2, r3, t1, t2, t3. The Jacobian at r = 0 is the one at r = (1e-9, 1e-9, 1e-9).
-class Camera_position_grad_func_aau : public Camera_position_grad_func {
+class Camera_position_grad_func_aau : public Camera_position_grad_func_of<3, rotation_vector_model, 0> {
  public:
-  using Camera_position_grad_func::Camera_position_grad_func;
-  int operator()(const std::vector<double>& x, cv::Mat& J, int start) const override;
+  using Camera_position_grad_func_of::Camera_position_grad_func_of;
 };
 
 /// Rotation type 1: columns a1, a2, a3, angle, t1, t2, t3. A zero axis gives NaN.
-class Camera_position_grad_func_aan : public Camera_position_grad_func {
+class Camera_position_grad_func_aan : public Camera_position_grad_func_of<4, angle_axis_model, 1> {
  public:
-  using Camera_position_grad_func::Camera_position_grad_func;
-  int operator()(const std::vector<double>& x, cv::Mat& J, int start) const override;
+  using Camera_position_grad_func_of::Camera_position_grad_func_of;
 };
 
 /// Rotation type 2: columns q0 to q3 (scalar last), t1, t2, t3; independent of the quaternion's length. A zero vector
 /// part is replaced by (1e-9, 1e-9, 1e-9), whatever the scalar part.
-class Camera_position_grad_func_qu : public Camera_position_grad_func {
+class Camera_position_grad_func_qu : public Camera_position_grad_func_of<4, quaternion_model, 2> {
  public:
-  using Camera_position_grad_func::Camera_position_grad_func;
-  int operator()(const std::vector<double>& x, cv::Mat& J, int start) const override;
+  using Camera_position_grad_func_of::Camera_position_grad_func_of;
 };
 
 /// Rotation type 3: columns as type 2. The quaternion is taken as of unit length, and its entries enter the diagonal of
 /// the rotation unsquared, so this is not the derivative of the prediction of type 3.
-class Camera_position_grad_func_qn : public Camera_position_grad_func {
+class Camera_position_grad_func_qn : public Camera_position_grad_func_of<4, unit_quaternion_model, 3> {
  public:
-  using Camera_position_grad_func::Camera_position_grad_func;
-  int operator()(const std::vector<double>& x, cv::Mat& J, int start) const override;
+  using Camera_position_grad_func_of::Camera_position_grad_func_of;
 };
 
 /// Rotation type 10: the columns and the guard of aau, rows of three.
-class Camera_position_grad_func_aau_bv : public Camera_position_grad_func {
+class Camera_position_grad_func_aau_bv : public Camera_position_grad_func_of<3, rotation_vector_model, 10> {
  public:
-  using Camera_position_grad_func::Camera_position_grad_func;
-  int operator()(const std::vector<double>& x, cv::Mat& J, int start) const override;
+  using Camera_position_grad_func_of::Camera_position_grad_func_of;
 };
 
 /// Rotation type 11: the columns of aan, rows of three.
-class Camera_position_grad_func_aan_bv : public Camera_position_grad_func {
+class Camera_position_grad_func_aan_bv : public Camera_position_grad_func_of<4, angle_axis_model, 11> {
  public:
-  using Camera_position_grad_func::Camera_position_grad_func;
-  int operator()(const std::vector<double>& x, cv::Mat& J, int start) const override;
+  using Camera_position_grad_func_of::Camera_position_grad_func_of;
 };
 
 /// Rotation type 12: the columns and the guard of qu, rows of three.
-class Camera_position_grad_func_qu_bv : public Camera_position_grad_func {
+class Camera_position_grad_func_qu_bv : public Camera_position_grad_func_of<4, quaternion_model, 12> {
  public:
-  using Camera_position_grad_func::Camera_position_grad_func;
-  int operator()(const std::vector<double>& x, cv::Mat& J, int start) const override;
+  using Camera_position_grad_func_of::Camera_position_grad_func_of;
 };

@@ -3,7 +3,6 @@
 #include "camera_pose/camera_position_grad_func_hybrid.h"
 
 #include <cstddef>
-#include <utility>
 
 #include "camera_pose/hybrid_blocks.h"
 #include "fw_tools/rotation.h"
@@ -39,18 +38,21 @@ cv::Mat carry_over(const cv::Mat& J, const cv::Mat_<double>& rotation_jacobian) 
 
 }  // namespace
 
-Camera_position_grad_func_hybrid::Camera_position_grad_func_hybrid(std::vector<std::vector<double>> the_points,
-                                                                   fw::matrix<double> the_K, fw::Opt_func* the_base)
-    : points(std::move(the_points)),
-      K(std::move(the_K)),
-      aau(points, K, nullptr),
-      aan(points, K, nullptr),
-      qu(points, K, nullptr) {
-  base = the_base;  // last: when a copy above fails, the caller still owns it
-}
+Camera_position_grad_func_hybrid::Camera_position_grad_func_hybrid(const std::vector<std::vector<double>>& the_points,
+                                                                   const fw::matrix<double>& K, fw::Opt_func* the_base)
+    : Camera_position_grad_func_hybrid(std::make_shared<const Packed_points>(the_points), Intrinsics(K), the_base) {}
+
+Camera_position_grad_func_hybrid::Camera_position_grad_func_hybrid(
+    const std::shared_ptr<const Packed_points>& the_points, const Intrinsics& intrinsics,
+    fw::Opt_func* the_base) noexcept
+    : fw::Grad_func(the_base),
+      points(the_points),
+      aau(points, intrinsics, nullptr),
+      aan(points, intrinsics, nullptr),
+      qu(points, intrinsics, nullptr) {}
 
 int Camera_position_grad_func_qu_aau_aan::operator()(const std::vector<double>& x, cv::Mat& J, int start) const try {
-  if (points.empty()) return 0;  // OpenCV multiplies no matrix without rows
+  if (points->size() == 0) return 0;  // OpenCV multiplies no matrix without rows
   const int n = qu(x, J, start);
   std::vector<double> q = rotation_entries(x, 4);
   const cv::Mat_<double> daau_dq = fw::quaternion_to_rot_vec_jacobian(q);
@@ -65,7 +67,7 @@ int Camera_position_grad_func_qu_aau_aan::operator()(const std::vector<double>& 
 FW_ADD_CONTEXT(site::qu_aau_aan, "")
 
 int Camera_position_grad_func_aau_qu_aan::operator()(const std::vector<double>& x, cv::Mat& J, int start) const try {
-  if (points.empty()) return 0;
+  if (points->size() == 0) return 0;
   const int n = aau(x, J, start);
   const std::vector<double> r = rotation_entries(x, 3);
   const cv::Mat_<double> dqu_dr = fw::rot_vec_to_quaternion_jacobian(r);
@@ -80,7 +82,7 @@ int Camera_position_grad_func_aau_qu_aan::operator()(const std::vector<double>& 
 FW_ADD_CONTEXT(site::aau_qu_aan, "")
 
 int Camera_position_grad_func_aan_qu_aau::operator()(const std::vector<double>& x, cv::Mat& J, int start) const try {
-  if (points.empty()) return 0;
+  if (points->size() == 0) return 0;
   const int n = aan(x, J, start);
   const std::vector<double> a = rotation_entries(x, 4);
   const cv::Mat_<double> dqu_da = fw::angle_axis_to_quaternion_jacobian(a);

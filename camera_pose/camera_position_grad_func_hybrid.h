@@ -2,6 +2,8 @@
 // Jacobians that stack the same pixel equations three times, each block derived through another representation.
 #pragma once
 
+#include <cstddef>
+#include <memory>
 #include <opencv2/core.hpp>
 #include <vector>
 
@@ -19,17 +21,28 @@
 /// on. Without points it returns 0 and writes nothing. Where a representation Jacobian is not finite blocks 2 and
 /// 3 are not either: types -1 and -2 without a rotation, type -1 at a scalar part of 1 or more in size, type -3 at a
 /// zero axis.
-class Camera_position_grad_func_hybrid : public fw::Grad_func {
+class Camera_position_grad_func_hybrid : public fw::Grad_func, private fw::Packed_jacobian {
  public:
   /// Points of 3 coordinates each (world units), K 3 by 3 (pixels); takes ownership of the base function once nothing
   /// can fail any more.
-  Camera_position_grad_func_hybrid(std::vector<std::vector<double>> points, fw::matrix<double> K, fw::Opt_func* base);
+  Camera_position_grad_func_hybrid(const std::vector<std::vector<double>>& points, const fw::matrix<double>& K,
+                                   fw::Opt_func* base);
+  /// The same with points that others evaluate as well.
+  Camera_position_grad_func_hybrid(const std::shared_ptr<const Packed_points>& points, const Intrinsics& intrinsics,
+                                   fw::Opt_func* base) noexcept;
   Camera_position_grad_func_hybrid(const Camera_position_grad_func_hybrid&) = default;
   Camera_position_grad_func_hybrid& operator=(const Camera_position_grad_func_hybrid&) = delete;
 
+  /// The same Jacobian in packed order, with the chain rule applied to the projection instead of every row.
+  const fw::Packed_jacobian* packed() const override { return this; }
+
  protected:
-  std::vector<std::vector<double>> points;
-  fw::matrix<double> K;
+  fw::Packed_layout layout() const override { return {points->size(), 2, 3}; }
+  template <std::size_t n_r>
+  void write_blocks(const Projection<n_r>& block_1, const Projection<n_r>& block_2, const Projection<n_r>& block_3,
+                    fw::Row_sink& sink) const;
+
+  std::shared_ptr<const Packed_points> points;
   Camera_position_grad_func_aau aau;
   Camera_position_grad_func_aan aan;
   Camera_position_grad_func_qu qu;
@@ -42,6 +55,10 @@ class Camera_position_grad_func_qu_aau_aan : public Camera_position_grad_func_hy
  public:
   using Camera_position_grad_func_hybrid::Camera_position_grad_func_hybrid;
   int operator()(const std::vector<double>& x, cv::Mat& J, int start) const override;
+
+ private:
+  int num_columns() const override { return 7; }
+  void linearise(const std::vector<double>& x, fw::Row_sink& sink) const override;
 };
 
 /// Rotation type -2: columns of aau; blocks aau, qu, aan.
@@ -51,6 +68,10 @@ class Camera_position_grad_func_aau_qu_aan : public Camera_position_grad_func_hy
  public:
   using Camera_position_grad_func_hybrid::Camera_position_grad_func_hybrid;
   int operator()(const std::vector<double>& x, cv::Mat& J, int start) const override;
+
+ private:
+  int num_columns() const override { return 6; }
+  void linearise(const std::vector<double>& x, fw::Row_sink& sink) const override;
 };
 
 /// Rotation type -3: columns of aan; blocks aan, qu, aau.
@@ -60,4 +81,8 @@ class Camera_position_grad_func_aan_qu_aau : public Camera_position_grad_func_hy
  public:
   using Camera_position_grad_func_hybrid::Camera_position_grad_func_hybrid;
   int operator()(const std::vector<double>& x, cv::Mat& J, int start) const override;
+
+ private:
+  int num_columns() const override { return 7; }
+  void linearise(const std::vector<double>& x, fw::Row_sink& sink) const override;
 };

@@ -2,9 +2,14 @@
 // The prediction that a pose refinement compares with the observations.
 #pragma once
 
+#include <memory>
 #include <vector>
 
+#include "camera_pose/intrinsics.h"
+#include "camera_pose/packed_points.h"
+#include "camera_pose/rotation_type.h"
 #include "fw_opt/opt_func.h"
+#include "fw_opt/packed_equations.h"
 #include "fw_tools/matrix.h"
 #include "fw_tools/report.h"
 
@@ -15,10 +20,14 @@
 /// camera-frame coordinates R' (X - t). Pixel types predict (u, v) through K, bearing types (10, 11, 12) the
 /// camera-frame vector itself, not scaled to unit length; hybrid types (-1, -2, -3) repeat the pixels of all points
 /// three times. Within a block the order is point by point.
-class Camera_position_opt_func : public fw::Opt_func {
+class Camera_position_opt_func : public fw::Opt_func, private fw::Packed_function {
  public:
   /// Points of 3 coordinates each (world units), K 3 by 3 (pixels). Nothing is checked here.
-  Camera_position_opt_func(std::vector<std::vector<double>> points, fw::matrix<double> K, int rotation_type);
+  Camera_position_opt_func(const std::vector<std::vector<double>>& points, const fw::matrix<double>& K,
+                           int rotation_type);
+  /// The same with points that others evaluate as well.
+  Camera_position_opt_func(std::shared_ptr<const Packed_points> points, const Intrinsics& intrinsics,
+                           int rotation_type) noexcept;
   Camera_position_opt_func(const Camera_position_opt_func&) = default;
   Camera_position_opt_func& operator=(const Camera_position_opt_func&) = delete;
 
@@ -29,13 +38,24 @@ class Camera_position_opt_func : public fw::Opt_func {
   /// none of the ten.
   std::vector<double> operator()(const std::vector<double>& x) const override;
 
- private:
-  void check_bearing_intrinsics() const;
-  fw::matrix<double> projection_matrix(const std::vector<double>& x) const;
+  /// The same predictions in packed order; null for a type that is none of the ten.
+  const fw::Packed_function* packed() const override;
 
-  std::vector<std::vector<double>> points;
-  fw::matrix<double> K;
+  /// Whether it predicts these very points with these intrinsics, which are [f 0 cx; 0 f cy; 0 0 1], as this type.
+  bool is_same(const std::shared_ptr<const Packed_points>& these_points, const Intrinsics& these_intrinsics,
+               int this_type) const;
+
+ private:
+  fw::Packed_layout layout() const override;
+  void evaluate(const std::vector<double>& x, fw::Value_sink& sink) const override;
+
+  void check_bearing_intrinsics() const;
+  void make_projection_matrix(const double* x, double (&P)[3][4]) const;
+
+  std::shared_ptr<const Packed_points> points;
+  Intrinsics intrinsics;
   int rotation_type;
+  const Rotation_type* type;  // null: none of the ten
 };
 
 namespace site {

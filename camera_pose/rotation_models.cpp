@@ -10,11 +10,19 @@ constexpr double zero_replacement = 1e-9;  // squares and fourth powers stay far
 
 bool is_zero(const double* v) { return v[0] == 0.0 && v[1] == 0.0 && v[2] == 0.0; }
 
-/// 1 - cos(angle) without the cancellation at small angles.
-double one_minus_cos(double angle) {
-  const double s = std::sin(0.5 * angle);
-  return 2.0 * s * s;
-}
+/// What a rotation by an angle is made of, from one sine and cosine, those of half the angle: 1 - cos(angle) then has
+/// no cancellation at small angles.
+struct Trigonometry {
+  double sin, cos, one_minus_cos;
+
+  explicit Trigonometry(double angle) {
+    const double s = std::sin(0.5 * angle);
+    const double c = std::cos(0.5 * angle);
+    sin = 2.0 * s * c;
+    cos = c * c - s * s;
+    one_minus_cos = 2.0 * s * s;
+  }
+};
 
 double squared_norm(const double* v) { return v[0] * v[0] + v[1] * v[1] + v[2] * v[2]; }
 
@@ -65,9 +73,7 @@ Rotation_model<3> rotation_vector_model(const double* vector) {
 
   const double theta_2 = squared_norm(r);
   const double theta = std::sqrt(theta_2);
-  const double s = std::sin(theta);
-  const double c = std::cos(theta);
-  const double v = one_minus_cos(theta);
+  const auto [s, c, v] = Trigonometry(theta);
   const double inverse_2 = 1.0 / theta_2;
 
   // R = c I + A [r]x + B r r'                                            (Eq. 8)
@@ -78,16 +84,31 @@ Rotation_model<3> rotation_vector_model(const double* vector) {
   const double dB = (A - 2.0 * B) * inverse_2;
 
   Rotation_model<3> model;
+  double common[3][3];  // dA [r]x + dB r r' - A I, the part of every dR/dr_j that is multiplied by r_j
   set_diagonal(c, model.R);
+  set_diagonal(-A, common);
   add_cross(A, r, model.R);
-  add_symmetric_product(0.5 * B, r, r, model.R);
+  add_cross(dA, r, common);
+  for (int i = 0; i < 3; ++i) {
+    for (int k = 0; k < 3; ++k) {
+      model.R[i][k] += B * (r[i] * r[k]);
+      common[i][k] += dB * (r[i] * r[k]);
+    }
+  }
   for (int j = 0; j < 3; ++j) {
     // dR/dr_j = -A r_j I + dA r_j [r]x + A [e_j]x + dB r_j r r' + B (e_j r' + r e_j')   (Eq. 11)
-    set_diagonal(-A * r[j], model.dR[j]);
-    add_cross(dA * r[j], r, model.dR[j]);
-    add_cross(A, unit_vectors[j], model.dR[j]);
-    add_symmetric_product(0.5 * dB * r[j], r, r, model.dR[j]);
-    add_symmetric_product(B, unit_vectors[j], r, model.dR[j]);
+    auto& dR = model.dR[j];
+    for (int i = 0; i < 3; ++i) {
+      for (int k = 0; k < 3; ++k) dR[i][k] = r[j] * common[i][k];
+    }
+    for (int k = 0; k < 3; ++k) {
+      dR[j][k] += B * r[k];
+      dR[k][j] += B * r[k];
+    }
+    const int next = (j + 1) % 3;
+    const int last = (j + 2) % 3;
+    dR[last][next] += A;
+    dR[next][last] -= A;
   }
   return model;
 }
@@ -95,9 +116,7 @@ Rotation_model<3> rotation_vector_model(const double* vector) {
 Rotation_model<4> angle_axis_model(const double* a) {
   const double inverse_norm = 1.0 / std::sqrt(squared_norm(a));
   const double n[3] = {a[0] * inverse_norm, a[1] * inverse_norm, a[2] * inverse_norm};
-  const double s = std::sin(a[3]);
-  const double c = std::cos(a[3]);
-  const double v = one_minus_cos(a[3]);
+  const auto [s, c, v] = Trigonometry(a[3]);
 
   // R = c I + s [n]x + v n n'                                            (Eq. 12)
   Rotation_model<4> model;

@@ -10,6 +10,8 @@
 
 namespace fw {
 
+class Packed_jacobian;
+
 /// Computes the Jacobian of its base function and carries one weight per equation. The base is owned; neither it nor
 /// the weights are carried over by copying or assignment.
 class Grad_func {
@@ -29,12 +31,18 @@ class Grad_func {
   /// Raises "Tried to access base function for a Grad_func, but none has been set" (fw_opt/grad_func.cpp, 35) when
   /// there is none.
   const Opt_func* base_function() const;
+  bool has_base_function() const { return base != nullptr; }
 
   /// As Opt_func::get_weight, on this object's own weights.
   double get_weight(int i) const;
   /// Set the weights here and in the base function, if there is one.
   void set_weights(const std::vector<double>& w);
   void set_weight(int i, double w);
+  /// All of them, in equation order; empty: every weight is 1.0.
+  const std::vector<double>& get_weights() const { return weights; }
+
+  /// The same Jacobian evaluated in packed order, or null where there is only the operator. Owned by this object.
+  virtual const Packed_jacobian* packed() const { return nullptr; }
 
  protected:
   Opt_func* base = nullptr;

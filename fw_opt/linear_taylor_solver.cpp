@@ -2,35 +2,12 @@
 // One Gauss-Newton iteration.
 #include "fw_opt/linear_taylor_solver.h"
 
-#include <cmath>
-#include <limits>
-
+#include "fw_opt/matrix_rows.h"
 #include "fw_tools/IplImage_overloads.h"
 #include "fw_tools/std_vector_overloads.h"
 
 namespace fw {
 namespace {
-
-bool is_finite(const cv::Mat& values) {
-  const double* value = values.ptr<double>();
-  for (std::size_t left = values.total(); left > 0; --left, ++value) {
-    if (!std::isfinite(*value)) return false;
-  }
-  return true;
-}
-
-/// The minimum-norm least-squares solution of J dx = b.
-cv::Mat solve_step(const cv::Mat& J, const cv::Mat& b) {
-  // cv::solve refuses a system with fewer equations than unknowns, so that one may hold anything. In any other, a NaN
-  // may come back as zeros and an infinity may keep it busy for ever.
-  const bool is_refused = J.rows < J.cols;
-  if (!is_refused && !(is_finite(J) && is_finite(b))) {
-    return cv::Mat(J.cols, 1, CV_64F, cv::Scalar(std::numeric_limits<double>::quiet_NaN()));
-  }
-  cv::Mat dx;
-  cv::solve(J, b, dx, cv::DECOMP_SVD);
-  return dx;
-}
 
 void append(const std::vector<double>& values, std::vector<double>& stack) {
   stack.insert(stack.end(), values.begin(), values.end());
@@ -57,10 +34,31 @@ Linear_taylor_solver& Linear_taylor_solver::operator=(const Linear_taylor_solver
   return *this;
 }
 
-void Linear_taylor_solver::reset() { func_values.clear(); }
+void Linear_taylor_solver::reset() {
+  func_values.clear();
+  packed_run.end();
+}
+
+std::vector<double> Linear_taylor_solver::optimise(const std::vector<double>& x0, const std::vector<double>& target) {
+  struct Scope {
+    bool& flag;
+    ~Scope() { flag = false; }
+  } const scope{is_in_optimise};
+  is_in_optimise = true;
+  return Solver::optimise(x0, target);
+}
 
 void Linear_taylor_solver::inner_optimise(const std::vector<double>& x0, const std::vector<double>& target,
                                           std::vector<double>& x_out, double& err, int iter) try {
+  if (is_in_optimise && (packed_run.is_active() || (func_values.empty() && packed_run.begin(*this, target)))) {
+    packed_run.iterate(least_squares, x0, step_factor(iter), iter + 1 >= get_max_iters(), x_out, err);
+    return;
+  }
+  if (packed_run.is_active()) {  // the run is over, and somebody goes on by hand
+    packed_run.end();
+    weigh_first_point(x0, target);
+    evaluate(x0);
+  }
   if (func_values.empty()) weigh_first_point(x0, target);
   check_number_of_equations();
   const cv::Mat b = residual();
@@ -70,12 +68,11 @@ void Linear_taylor_solver::inner_optimise(const std::vector<double>& x0, const s
   const int first_difference_row = fill_analytic_rows(x0, J);
   fill_difference_rows(x0, J, first_difference_row);
 
-  cv::Mat dx = solve_step(J, b);
+  std::vector<double> dx(static_cast<std::size_t>(get_num_dimensions()));
+  solve_step(J, b, dx.data());
   const double s = step_factor(iter);
   x_out = x0;
-  for (int d = 0; d < get_num_dimensions(); ++d) {
-    x_out.at(static_cast<std::size_t>(d)) += s * get_pix<double>(dx, d);
-  }
+  for (std::size_t d = 0; d < dx.size(); ++d) x_out.at(d) += s * dx[d];
 
   evaluate(x_out);
   err = squared_norm(func_values - target);
@@ -107,6 +104,17 @@ void Linear_taylor_solver::append_weighted(std::vector<double> values, const Wei
   for (std::size_t i = row; i < row + values.size(); ++i) {
     weighted_target[i] = target[i] * weighted.get_weight(static_cast<int>(i));
   }
+}
+
+/// The minimum-norm least-squares solution of J dx = b.
+void Linear_taylor_solver::solve_step(const cv::Mat& J, const cv::Mat& b, double* dx) {
+  if (J.rows < J.cols || J.cols < 1) {
+    cv::Mat refused;
+    cv::solve(J, b, refused, cv::DECOMP_SVD);  // throws: fewer equations than unknowns
+  }
+  Matrix_rows rows(J, b);
+  least_squares.reduce(rows, static_cast<std::size_t>(J.cols));
+  least_squares.solve(rows, static_cast<std::size_t>(J.cols), static_cast<std::size_t>(J.rows), dx);
 }
 
 void Linear_taylor_solver::check_number_of_equations() const {

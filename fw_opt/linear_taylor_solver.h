@@ -1,11 +1,13 @@
 // SPDX-License-Identifier: BSD-3-Clause
-// The Gauss-Newton solver: first-order Taylor steps, solved by singular-value decomposition.
+// The Gauss-Newton solver: first-order Taylor steps, each the shortest solution of a linear least-squares problem.
 #pragma once
 
 #include <cstddef>
 #include <opencv2/core.hpp>
 #include <vector>
 
+#include "fw_opt/least_squares.h"
+#include "fw_opt/packed_gauss_newton.h"
 #include "fw_opt/solver.h"
 
 namespace fw {
@@ -16,8 +18,13 @@ namespace fw {
 /// Weights are applied to function values and target in the first iteration of a run only; from the second on, the
 /// function values are unweighted while target and Jacobian rows stay weighted. With all weights 1.0 every iteration
 /// is a plain Gauss-Newton step; the squared error is unweighted throughout.
+/// Where the one function of a run can do without vectors and matrices for its results, and all sizes fit, the run goes
+/// through Packed_gauss_newton: the same steps to rounding, and nothing is allocated after the first iteration.
 class Linear_taylor_solver : public Solver {
  public:
+  using Solver::optimise;
+  std::vector<double> optimise(const std::vector<double>& x0, const std::vector<double>& target) override;
+
   /// Makes the next iteration the first of a run.
   void reset() override;
 
@@ -49,8 +56,13 @@ class Linear_taylor_solver : public Solver {
   double step_factor(int iter) const;
   void evaluate(const std::vector<double>& x);
 
+  void solve_step(const cv::Mat& J, const cv::Mat& b, double* dx);
+
   std::vector<double> func_values;      // at the current point: weighted in the first iteration, then unweighted
   std::vector<double> weighted_target;  // made in the first iteration of a run
+  bool is_in_optimise = false;          // so functions and target stay what they are until the run ends
+  Packed_gauss_newton packed_run;       // holds both of the above while it is active
+  Least_squares least_squares;
 };
 
 namespace site {

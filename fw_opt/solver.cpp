@@ -12,9 +12,11 @@
 namespace fw {
 namespace {
 
-double l1_norm(const std::vector<double>& values) {
+/// sum |a - b|; vectors of different lengths get the report of operator-.
+double l1_distance(const std::vector<double>& a, const std::vector<double>& b) {
+  if (a.size() != b.size()) static_cast<void>(a - b);
   double total = 0.0;
-  for (const double value : values) total += std::abs(value);
+  for (std::size_t i = 0; i < a.size(); ++i) total += std::abs(a[i] - b[i]);
   return total;
 }
 
@@ -74,7 +76,7 @@ FW_ADD_CONTEXT(site::iteration_loop, "")
 
 bool Solver::is_finished(const std::vector<double>& best, const std::vector<double>& x, double decrease,
                          int iter) const {
-  if (static_cast<double>(min_x_step) > l1_norm(best - x)) return true;
+  if (static_cast<double>(min_x_step) > l1_distance(best, x)) return true;
   return iter > 0 && static_cast<double>(min_y_step) > decrease;
 }
 

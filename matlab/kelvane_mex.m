@@ -38,9 +38,9 @@
 %     -1  qu,aau,aan every equation three times, r as in type 2          [qx, qy, qz, qw]
 %     -2  aau,qu,aan every equation three times, r as in type 0          [rx, ry, rz]
 %     -3  aan,qu,aau every equation three times, r as in type 1          [ax, ay, az, angle]
-%   Type 0 is the one to use; types 1 and 2 do as well up to about 100 points. With more, their Jacobian, which is
-%   always singular (the length of an axis or a quaternion changes nothing), can send a step astray. A start of type 1
-%   with angle 0 turns about the given axis only in its first step. The Jacobian of type 3 holds the diagonal of the
+%   Type 0 is the one to use, and the quickest; types 1 and 2 do as well. Their Jacobian is singular, as the length of an
+%   axis or a quaternion changes nothing, and every step leaves that length alone. A start of type 1 with angle 0 turns
+%   about the given axis only in its first step. The Jacobian of type 3 holds the diagonal of the
 %   rotation in unsquared entries: it is not the derivative of the prediction, and refinements with it mostly diverge.
 %   Types -3 to -1 stack the pixel equations three times, each block differentiated through the representation named
 %   there. Where one of those derivatives is not finite (types -1 and -2 without a rotation or a tiny one, type -1 with

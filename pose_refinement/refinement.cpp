@@ -16,22 +16,7 @@ namespace pose_refinement {
 namespace {
 
 /// k: k11, k13, k23
-fw::matrix<double> intrinsic_matrix(const double* k) {
-  fw::matrix<double> K(3, 3);
-  K[0][0] = k[0];
-  K[1][1] = k[0];
-  K[0][2] = k[1];
-  K[1][2] = k[2];
-  K[2][2] = 1.0;
-  return K;
-}
-
-std::vector<std::vector<double>> point_list(const double* coordinates, int num_points) {
-  std::vector<std::vector<double>> points;
-  points.reserve(static_cast<std::size_t>(num_points));
-  for (int i = 0; i < num_points; ++i, coordinates += 3) points.emplace_back(coordinates, coordinates + 3);
-  return points;
-}
+Intrinsics intrinsics_of(const double* k) { return {k[0], k[1], k[2]}; }
 
 std::vector<double> target_vector(const Arguments& arguments) {
   const Rotation_type& type = *arguments.type;
@@ -47,16 +32,11 @@ std::vector<double> target_vector(const Arguments& arguments) {
   return target;
 }
 
-template <typename Function>
-void set_weights(Function& function, const std::vector<double>& weights) {
-  for (std::size_t i = 0; i < weights.size(); ++i) function.set_weight(static_cast<int>(i), weights[i]);
-}
-
 /// A Jacobian that owns the objective it differentiates.
 template <typename Jacobian>
 std::unique_ptr<fw::Grad_func> make_jacobian(const Problem& problem) {
-  auto objective = std::make_unique<Camera_position_opt_func>(problem.points, problem.K, problem.type->id);
-  auto jacobian = std::make_unique<Jacobian>(problem.points, problem.K, objective.get());
+  auto objective = std::make_unique<Camera_position_opt_func>(problem.points, problem.intrinsics, problem.type->id);
+  auto jacobian = std::make_unique<Jacobian>(problem.points, problem.intrinsics, objective.get());
   static_cast<void>(objective.release());  // a constructor that fails owns nothing, so not before
   return jacobian;
 }
@@ -94,8 +74,8 @@ std::unique_ptr<fw::Grad_func> make_jacobian_of_type(const Problem& problem) {
 Problem::Problem(const Arguments& arguments)
     : type(arguments.type),
       x0(arguments.camera_parameters, arguments.camera_parameters + type->num_dimensions()),
-      K(intrinsic_matrix(arguments.camera_parameters + type->num_dimensions())),
-      points(point_list(arguments.points, arguments.num_points)),
+      intrinsics(intrinsics_of(arguments.camera_parameters + type->num_dimensions())),
+      points(std::make_shared<const Packed_points>(arguments.points, static_cast<std::size_t>(arguments.num_points))),
       target(target_vector(arguments)) {
   if (arguments.weights != nullptr) weights.assign(arguments.weights, arguments.weights + target.size());
 }
@@ -119,7 +99,7 @@ void configure(fw::Linear_taylor_solver& solver, const Problem& problem, const S
 
 void add_jacobian(fw::Linear_taylor_solver& solver, const Problem& problem) {
   auto jacobian = make_jacobian_of_type(problem);
-  set_weights(*jacobian, problem.weights);
+  if (!problem.weights.empty()) jacobian->set_weights(problem.weights);
   solver.set_grad_funcs({jacobian.get()});
   static_cast<void>(jacobian.release());  // the solver owns it now
 }
@@ -130,8 +110,8 @@ void add_objective(fw::Linear_taylor_solver& solver, const Problem& problem) {
   std::fill_n(steps.begin(), problem.type->rotation_size(), problem.type->difference_step());
   solver.set_finite_difference_steps({steps});
 
-  auto objective = std::make_unique<Camera_position_opt_func>(problem.points, problem.K, problem.type->id);
-  set_weights(*objective, problem.weights);
+  auto objective = std::make_unique<Camera_position_opt_func>(problem.points, problem.intrinsics, problem.type->id);
+  if (!problem.weights.empty()) objective->set_weights(problem.weights);
   solver.set_funcs({objective.get()});
   static_cast<void>(objective.release());  // the solver owns it now
 }
@@ -146,7 +126,7 @@ std::vector<double> refine(const Problem& problem, const Settings& settings) try
   }
   return solver.optimise(problem.x0, problem.target);
 }
-FW_ADD_CONTEXT(site::refinement, fw::text("Num points=", problem.points.size(), " num_eqs=", problem.target.size(),
+FW_ADD_CONTEXT(site::refinement, fw::text("Num points=", problem.points->size(), " num_eqs=", problem.target.size(),
                                           " (vals of -1 mean not initialised)"))
 
 }  // namespace pose_refinement

@@ -2,10 +2,12 @@
 // One refinement, from accepted arguments to the refined search vector.
 #pragma once
 
+#include <memory>
 #include <vector>
 
+#include "camera_pose/intrinsics.h"
+#include "camera_pose/packed_points.h"
 #include "fw_opt/linear_taylor_solver.h"
-#include "fw_tools/matrix.h"
 #include "pose_refinement/argument_contract.h"
 
 namespace pose_refinement {
@@ -13,9 +15,9 @@ namespace pose_refinement {
 /// The containers of one refinement, built from the arguments of a call.
 struct Problem {
   const Rotation_type* type;
-  std::vector<double> x0;                   // rotation, then the camera centre
-  fw::matrix<double> K;                     // one focal length for both axes
-  std::vector<std::vector<double>> points;  // 3 coordinates each
+  std::vector<double> x0;  // rotation, then the camera centre
+  Intrinsics intrinsics;   // one focal length for both axes
+  std::shared_ptr<const Packed_points> points;
   /// Pairs (u, v) point by point, the whole block once for each representation. Bearing types get the same layout, so
   /// only their first two rows are used and the last third of the target is zero.
   std::vector<double> target;

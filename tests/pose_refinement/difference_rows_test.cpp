@@ -10,6 +10,7 @@
 
 #include "camera_pose/rotation_type.h"
 #include "fw_opt/linear_taylor_solver.h"
+#include "fw_opt/matrix_rows.h"
 #include "pose_refinement/refinement.h"
 #include "support/cases.h"
 #include "support/fake_input.h"
@@ -51,7 +52,7 @@ struct Set_up {
 };
 
 /// A call in finite-difference mode: four points before a camera close to the world's axes, and observations that no
-/// pose explains. At most 24 equations, as from 25 on the solution of one and the same system may vary in its last bit.
+/// pose explains.
 Set_up random_set_up(int type, Case& which) {
   const Rotation_type& row = *find_rotation_type(type);
   std::vector<double> camera = which.random.vector_in_cube(static_cast<std::size_t>(row.num_dimensions()), 0.5);
@@ -104,10 +105,14 @@ struct Differences {
 };
 
 std::vector<double> stepped(const std::vector<double>& x0, const cv::Mat& J, const cv::Mat& b) {
-  cv::Mat dx;
-  cv::solve(J, b, dx, cv::DECOMP_SVD);
+  const auto n = static_cast<std::size_t>(J.cols);
+  std::vector<double> dx(n);
+  fw::Matrix_rows rows(J, b);
+  fw::Least_squares least_squares;
+  least_squares.reduce(rows, n);
+  least_squares.solve(rows, n, static_cast<std::size_t>(J.rows), dx.data());
   std::vector<double> x = x0;
-  for (int d = 0; d < dx.rows; ++d) x[static_cast<std::size_t>(d)] += dx.at<double>(d);
+  for (std::size_t d = 0; d < n; ++d) x[d] += dx[d];
   return x;
 }
 

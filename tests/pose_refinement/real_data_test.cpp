@@ -26,10 +26,9 @@ constexpr double settled_below = 1e-10;  // radians, and distances to the mean p
 constexpr double reached_below =
     1e-8;  // the same; the last digits wander, as the best point is chosen by a rounded sum
 constexpr double rms_tolerance = 1e-9;  // relative
-// The length of a quaternion or an axis is free, so J has a singular value of zero. Where cv::solve takes its rounding
-// for a value of its own, which is seen from about a thousand points on, the length goes up by nine digits and more.
-constexpr double blown_up_from = 1e6;
-constexpr int safe_number_of_points = 1000;
+// The length of a quaternion or an axis is free, and every step is orthogonal to it, so it grows by the squares of the
+// steps only. At a small angle a step turns the axis far. A step along the null space goes up by nine digits and more.
+constexpr double longest_expected = 10.0;
 
 struct Pose {
   support::Matrix3<double> R;
@@ -84,7 +83,8 @@ support::Fake_call inputs_of_call(const Measured_problem& problem, int type, con
 }
 
 bool has_finite_error(const Problem& problem, const std::vector<double>& x) {
-  const std::vector<double> predicted = Camera_position_opt_func(problem.points, problem.K, problem.type->id)(x);
+  const std::vector<double> predicted =
+      Camera_position_opt_func(problem.points, problem.intrinsics, problem.type->id)(x);
   double sum = 0.0;
   for (std::size_t i = 0; i < predicted.size(); ++i) sum += std::pow(predicted[i] - problem.target[i], 2);
   return std::isfinite(sum);
@@ -95,7 +95,6 @@ struct Trial {
   int num_calls = 0;
   bool is_settled = false;
   double longest = 0.0;  // greatest free length after any call
-  int blown_up_at = 0;   // the first call after which it was blown up, 0 for none
   double rms = 0.0;
   bool has_finite_errors = true;  // after every call, by the module's own prediction
   Deviation from_optimum{};
@@ -115,7 +114,6 @@ struct Trial {
       is_settled = deviation(next, pose, distance).is_below(settled_below);
       pose = next;
       longest = std::fmax(longest, free_length(representation, x));
-      if (blown_up_at == 0 && longest > blown_up_from) blown_up_at = num_calls;
     }
     const auto& optimum = problem.optimum.search_vector(Representation::quaternion);
     from_optimum = deviation(pose, pose_of(Representation::quaternion, optimum), distance);
@@ -131,16 +129,16 @@ struct Trial {
 std::string row(const Measured_problem& problem, const Trial& trial) {
   std::ostringstream text;
   text << std::setw(4) << problem.id << std::setw(7) << problem.num_points << std::setw(6) << trial.num_calls
-       << std::setprecision(2) << std::setw(10) << trial.longest << std::setw(5) << trial.blown_up_at << std::setw(10)
-       << trial.from_optimum.angle_rad << std::setw(10) << trial.from_optimum.offset << std::setw(10)
-       << trial.relative_rms(problem) << std::setprecision(8) << std::setw(14) << trial.rms << "  "
+       << std::setprecision(2) << std::setw(10) << trial.longest << std::setw(10) << trial.from_optimum.angle_rad
+       << std::setw(10) << trial.from_optimum.offset << std::setw(10) << trial.relative_rms(problem)
+       << std::setprecision(8) << std::setw(14) << trial.rms << "  "
        << (trial.has_reached_optimum(problem) ? "reached"
            : trial.is_settled                 ? "settled elsewhere"
                                               : "not settled");
   return text.str();
 }
 
-constexpr const char* heading = "  id      N calls    length   at     angle    offset   rms rel.           rms";
+constexpr const char* heading = "  id      N calls    length     angle    offset   rms rel.           rms";
 
 class RealData : public testing::TestWithParam<std::tuple<const char*, int>> {
  protected:
@@ -183,10 +181,9 @@ TEST_P(RealDataExactJacobian, LeadsToTheOptimum) {
   for (const Measured_problem& problem : all) {
     SCOPED_TRACE("problem " + std::to_string(problem.id));
     const Trial result = trial(problem);
-    const bool may_blow_up = type != 0 && problem.num_points > safe_number_of_points;
-    EXPECT_TRUE(may_blow_up || result.blown_up_at == 0) << "the length went up to " << result.longest;
+    EXPECT_LT(result.longest, longest_expected);
     EXPECT_TRUE(result.has_finite_errors);
-    EXPECT_TRUE(result.has_reached_optimum(problem) || (may_blow_up && result.blown_up_at > 0));
+    EXPECT_TRUE(result.has_reached_optimum(problem));
   }
 }
 

@@ -91,15 +91,20 @@ TEST(DifferenceSteps, AreLargerForQuaternions) {
 TEST(RefinementProblem, SplitsTheCameraParameters) {
   const Problem three(Fake_call(0).check());
   EXPECT_EQ(three.x0, (std::vector<double>{1, 2, 3, 4, 5, 6}));
-  EXPECT_EQ(fw::text(three.K), "3\t3\n7\t0\t8\t\n0\t7\t9\t\n0\t0\t1\t\n");
+  EXPECT_EQ(fw::text(three.intrinsics.matrix()), "3\t3\n7\t0\t8\t\n0\t7\t9\t\n0\t0\t1\t\n");
   const Problem four(Fake_call(2).check());
   EXPECT_EQ(four.x0, (std::vector<double>{1, 2, 3, 4, 5, 6, 7}));
-  EXPECT_EQ(fw::text(four.K), "3\t3\n8\t0\t9\t\n0\t8\t10\t\n0\t0\t1\t\n");
+  EXPECT_EQ(fw::text(four.intrinsics.matrix()), "3\t3\n8\t0\t9\t\n0\t8\t10\t\n0\t0\t1\t\n");
 }
 
 TEST(RefinementProblem, TakesPointsFromColumns) {
   const Problem problem(Fake_call(0, 2).check());
-  EXPECT_EQ(problem.points, (std::vector<std::vector<double>>{{1, 2, 3}, {4, 5, 6}}));
+  ASSERT_EQ(problem.points->size(), 2U);
+  for (std::size_t i = 0; i < 2; ++i) {
+    for (std::size_t c = 0; c < 3; ++c) {
+      EXPECT_EQ(problem.points->coordinate(i, c), 1.0 + static_cast<double>(3 * i + c)) << "point " << i;
+    }
+  }
 }
 
 TEST(RefinementProblem, TakesPixelsPointByPoint) {

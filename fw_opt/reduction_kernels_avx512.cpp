@@ -1,0 +1,10 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// The kernels of the reduction, compiled for AVX-512.
+#include "fw_opt/reduction_kernels_body.h"
+
+namespace fw {
+
+extern const Reduction_kernels reduction_kernels_avx512;
+const Reduction_kernels reduction_kernels_avx512 = kernels_of_width<8>;
+
+}  // namespace fw

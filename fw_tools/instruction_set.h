@@ -1,0 +1,19 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// The vector instructions that a kernel may use.
+#pragma once
+
+namespace fw {
+
+/// Each one has a variant of every kernel; all variants give the same bits.
+enum class Instruction_set { sse2, avx2, avx512 };
+
+inline constexpr Instruction_set instruction_sets[] = {Instruction_set::sse2, Instruction_set::avx2,
+                                                       Instruction_set::avx512};
+
+/// Whether processor and operating system run it.
+bool is_available(Instruction_set set);
+
+/// The widest that is available; asked of the processor once.
+Instruction_set best_instruction_set();
+
+}  // namespace fw
