@@ -10,7 +10,7 @@ namespace {
 
 /// A column is left out below this squared length: its square roots would have lost their digits. The caller scales
 /// systems whose longest column is anywhere near it, so such a column is zero next to the others.
-constexpr double smallest_squared_length = 1e-290;
+inline constexpr double smallest_squared_length = 1e-290;
 
 /// The length of what remains of a column decides about its reflection (docs/derivations.md, Eq. 33).
 struct Reflection {

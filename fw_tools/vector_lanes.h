@@ -11,7 +11,7 @@
 // NOLINTNEXTLINE(google-build-namespaces): internal linkage is the point
 namespace {
 
-constexpr std::size_t num_lanes = 8;
+inline constexpr std::size_t num_lanes = 8;
 
 template <int width>
 struct Vector {
