@@ -1,0 +1,106 @@
+% KELVANE_PROJECT  Where a camera sees points, and how that changes with its pose.
+%
+%   seen = kelvane_project(pose, points, intrinsics)
+%   seen = kelvane_project(pose, points, intrinsics, name, value, ...)
+%   [seen, J, depth] = kelvane_project(...)
+%
+%   Inputs:
+%     pose        struct of kelvane_pose, or any of its forms, named by 'PoseForm' and 'PoseFrame'
+%     points      3 x N or N x 3 world points; 3 x 3 are columns
+%     intrinsics  [f cx cy], 3 x 3 K or cameraIntrinsics without distortion; [] for unit bearing vectors
+%
+%   Options:
+%     'PoseForm'   form of the pose, needed where its size leaves a doubt
+%     'PoseFrame'  'camera_from_world' or 'world_from_camera', needed where the form implies none
+%
+%   Outputs:
+%     seen   2 x N pixels (u; v), or 3 x N unit directions in the camera frame. A point behind the camera has a pixel too:
+%            where the line through it and the centre meets the image. In the plane of the centre it is infinite or NaN.
+%     J      2 N x 6 or 3 N x 6: derivatives of seen(:) by [w; dt], w a rotation vector in the camera frame (radians;
+%            world_from_camera becomes R * expm of the cross matrix of w) and dt a shift of the centre (world unit)
+%     depth  1 x N, along the optical axis, world unit; negative behind the camera
+%
+%   Example:
+%     pose = kelvane_pose({[0; 0; 0], [0; 0; 5]}, 'opencv');
+%     [pixels, J, depth] = kelvane_project(pose, [0 1; 0 2; 0 5], [800 320 240]);
+%     fprintf('(%g, %g) at depth %g\n', [pixels; depth]);
+%   Output:
+%     (320, 240) at depth 5
+%     (400, 400) at depth 10
+%
+%   See also kelvane_refine, kelvane_pose, kelvane_check_gradient.
+
+% SPDX-License-Identifier: BSD-3-Clause
+% The prediction of pixels and bearings with its derivative.
+function [seen, J, depth] = kelvane_project(pose, points, intrinsics, varargin)
+  if nargin < 3
+    error('kelvane:inputs', 'kelvane_project needs pose, points and intrinsics ([] for bearing vectors).');
+  end
+  options = parse_options('kelvane_project', struct('PoseForm', '', 'PoseFrame', ''), varargin);
+  pose = pose_of_input(pose, options);
+  points = read_points(points);
+  camera = read_intrinsics(intrinsics);
+  p = camera_points(pose.rotation, pose.centre, points);
+  seen = predicted(camera, p);
+  depth = p(3, :);
+  if nargout > 1
+    J = tangent_jacobian(camera, pose.rotation, p);
+  end
+end
+
+%!function pose = some_pose()
+%!  pose = kelvane_pose([0.4 -0.9 0.3, 0.2 -0.1 -4], 'rotation_vector', 'world_from_camera');
+%!endfunction
+
+%!function K = some_matrix()
+%!  K = [700 12 300; 0 650 250; 0 0 1];
+%!endfunction
+
+%!test  % the prediction is K * R' * (X - t), divided
+%! pose = some_pose();
+%! points = [1 2 3; -2 0 1; 0.5 0.1 -1; 3 1 2]';
+%! q = some_matrix() * pose.rotation' * (points - pose.centre);
+%! [pixels, ~, depth] = kelvane_project(pose, points, some_matrix());
+%! assert(pixels, q(1:2, :) ./ q(3, :), -1e-12);
+%! assert(depth, q(3, :), 1e-14);
+%! assert(kelvane_project(pose, points', -2 * some_matrix()), pixels, -1e-12);
+%! bearings = kelvane_project(pose, points, []);
+%! p = some_matrix() \ q;
+%! assert(bearings, p ./ sqrt(sum(p.^2)), 1e-14);
+
+%!test  % the derivative is that of a fourth-order stencil, for pixels with skew and for bearings
+%! pose = some_pose();
+%! points = [1 2 3; -2 0 1; 0.5 0.1 -1; 3 1 2; -1 -1 -9]';
+%! h = 3e-4;
+%! for intrinsics = {some_matrix(), [500 1 2], []}
+%!   [seen, J] = kelvane_project(pose, points, intrinsics{1});
+%!   for k = 1:6
+%!     difference = 0;
+%!     for step = [-2, -1, 1, 2; 1/12, -2/3, 2/3, -1/12]
+%!       m = zeros(6, 1);
+%!       m(k) = step(1) * h;
+%!       S = [0, -m(3), m(2); m(3), 0, -m(1); -m(2), m(1), 0];
+%!       moved = {pose.rotation * expm(S), pose.centre + m(4:6)};
+%!       moved = kelvane_pose(moved, 'rotation_centre', 'world_from_camera');
+%!       difference = difference + step(2) / h * kelvane_project(moved, points, intrinsics{1});
+%!     end
+%!     assert(J(:, k), difference(:), 1e-8 * max(abs(J(:))));
+%!   end
+%! end
+
+%!test  % a K with its focal lengths in MATLAB's object; a struct with the same fields stands for it
+%! object = struct('FocalLength', [700 650], 'PrincipalPoint', [300 250], 'Skew', 12, 'RadialDistortion', [0 0], ...
+%!                 'TangentialDistortion', [0 0]);
+%! points = [1 2 3; -2 0 1]';
+%! assert(kelvane_project(some_pose(), points, object), kelvane_project(some_pose(), points, some_matrix()), -1e-12);
+%! object.RadialDistortion = [0.1 0];
+%! fail('kelvane_project(some_pose(), points, object)', 'These intrinsics have lens distortion');
+
+%!error <needs pose, points and intrinsics> kelvane_project(eye(4))
+%!error <K looks transposed> kelvane_project(some_pose(), [1;2;3], some_matrix()')
+%!error <upper triangular> kelvane_project(some_pose(), [1;2;3], ones(3))
+%!error <focal length of 0> kelvane_project(some_pose(), [1;2;3], [0 1 2])
+%!error <this is 1 x 4> kelvane_project(some_pose(), [1;2;3], 1:4)
+%!error <struct has no FocalLength> kelvane_project(some_pose(), [1;2;3], struct('f', 1))
+%!error <points\(2, 1\) is NaN> kelvane_project(some_pose(), [1;NaN;3], [1 0 0])
+%!error <'Frame' is not an option of kelvane_project. Did you mean 'PoseFrame'> kelvane_project(eye(4), [1;2;3], [], 'Frame', 'x')

@@ -1,0 +1,64 @@
+% SPDX-License-Identifier: BSD-3-Clause
+% kelvane_refine on real measurements: one call with default options finds every optimum that is known from other solvers.
+
+%!test  % pixels
+%! for set = {'chessboard', 'bal', 'bal_adjusted', 'castle'}
+%!   for problem = shared_problems(set{1}, 'pixel')
+%!     [pose, info] = kelvane_refine(problem.start, problem.points, problem.observations, problem.intrinsics, ...
+%!                                   'PoseFrame', 'world_from_camera');
+%!     [turn, shift] = distance_from(problem, info.pose);
+%!     assert(all([turn, shift] < 1e-8), problem.name);
+%!     assert(info.exitflag > 0);
+%!     assert(pose, kelvane_pose(info.pose, 'rotation_vector', 'world_from_camera'), 1e-14);
+%!   end
+%! end
+
+%!test  % directions, some of them more than 90 degrees off the axis
+%! for set = {'omni', 'chessboard', 'bal', 'bal_adjusted', 'castle'}
+%!   for problem = shared_problems(set{1}, 'chord')
+%!     [~, info] = kelvane_refine(problem.start, problem.points, problem.observations, [], 'PoseFrame', ...
+%!                                'world_from_camera');
+%!     [turn, shift] = distance_from(problem, info.pose);
+%!     assert(all([turn, shift] < 1e-6), problem.name);
+%!     assert(info.exitflag > 0);
+%!     assert(info.iterations <= 10);  % each is one call of the module
+%!   end
+%! end
+
+%!test  % types 11 and 12 find the optima of the wide-angle camera as well
+%! for problem = shared_problems('omni', 'chord')
+%!   for type = [11, 12]
+%!     [~, info] = kelvane_refine(problem.start, problem.points, problem.observations, [], 'PoseFrame', ...
+%!                                'world_from_camera', 'RotationType', type);
+%!     [turn, shift] = distance_from(problem, info.pose);
+%!     assert(all([turn, shift] < 1e-6), problem.name);
+%!   end
+%! end
+
+%!test  % so do all other types that can on the chessboard
+%! for id = 1:6
+%!   view = chessboard_view(id);
+%!   for type = [1, 2, -1, -2, -3]
+%!     [pose, info] = kelvane_refine(view.start{1}, view.points, view.pixels, view.intrinsics, 'RotationType', type, ...
+%!                                   'PoseFrame', 'world_from_camera');
+%!     assert(pose, view.optimum{1}, 1e-8);
+%!   end
+%! end
+
+%!function rms = rms_of_optimum(view)
+%!  seen = kelvane_project(view.optimum{1}, view.points, view.intrinsics, 'PoseFrame', 'world_from_camera');
+%!  rms = sqrt(mean(sum((seen - view.pixels).^2)));
+%!endfunction
+
+%!test  % forward differences end where they vanish: at exact data on the pose, beside it where residuals are left
+%! for id = 1:6
+%!   view = chessboard_view(id);
+%!   refined = @(pixels) kelvane_refine(view.start{1}, view.points, pixels, view.intrinsics, 'PoseFrame', ...
+%!                                      'world_from_camera', 'Jacobian', 'finite-difference');
+%!   exact = kelvane_project(view.optimum{1}, view.points, view.intrinsics, 'PoseFrame', 'world_from_camera');
+%!   assert(refined(exact), view.optimum{1}, 1e-8);
+%!   [pose, info] = refined(view.pixels);
+%!   assert(pose, view.optimum{1}, 5e-3);
+%!   assert(norm(pose - view.optimum{1}) > 1e-7);
+%!   assert(info.rms_after < 1.01 * rms_of_optimum(view));
+%! end

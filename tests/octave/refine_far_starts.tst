@@ -1,0 +1,27 @@
+% SPDX-License-Identifier: BSD-3-Clause
+% kelvane_refine from starts far off, for every rotation type: no pose is worse than its start, there is no error and no
+% end in sight of none. How many arrive is in docs/refinement.md.
+
+%!test
+%! scenes = {arrayfun(@(k) far_scene(k, false), 1:12), arrayfun(@(k) far_scene(k, true), 1:12)};
+%! for type = kelvane_types()
+%!   tally = refine_far_starts(scenes{1 + type.bearing}, type.number, 24, 1000 + type.number);
+%!   assert(~any([tally.worse, tally.errors, tally.endless]), sprintf('type %d', type.number));
+%!   if type.number ~= 3
+%!     assert(tally.found >= 22);
+%!   end
+%! end
+
+%!test  % where the whole step would raise the cost a part of it is taken
+%! for seed = [202, 217, 237, 692]
+%!   scene = far_scene(1 + mod(seed, 12), false);
+%!   rand('state', seed); randn('state', seed);
+%!   start = far_start(scene.optimum, scene.points);
+%!   rms = @(pose) sqrt(mean(sum((kelvane_project(pose, scene.points, scene.intrinsics) - scene.observations).^2)));
+%!   x = [kelvane_pose(start, 'rotation_vector', 'world_from_camera'), scene.intrinsics];
+%!   whole = kelvane_mex(x, scene.points, scene.observations, [0, 0, 1e38, 0], 0);
+%!   assert(rms(kelvane_pose(whole, 'rotation_vector', 'world_from_camera')) > 1.1 * rms(start));
+%!   [pose, info] = kelvane_refine(start, scene.points, scene.observations, scene.intrinsics);
+%!   assert(info.history(2).rms < rms(start));
+%!   assert(pose.centre, scene.optimum.centre, 1e-6);
+%! end

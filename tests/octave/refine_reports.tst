@@ -1,0 +1,100 @@
+% SPDX-License-Identifier: BSD-3-Clause
+% What kelvane_refine tells: exit flags, messages, history, display and the output function.
+
+%!function scene = scene()
+%!  scene = noisy_scene([700 0 320; 0 700 240; 0 0 1], 31);
+%!endfunction
+
+%!function [pose, info] = refined(scene, varargin)
+%!  [pose, info] = kelvane_refine(scene.start, scene.points, scene.pixels, scene.K, varargin{:});
+%!endfunction
+
+%!test  % the history begins with the start and ends with the pose, and its RMS comes down
+%! s = scene();
+%! [pose, info] = refined(s);
+%! assert(numel(info.history), info.iterations + 1);
+%! assert({info.history(1).pose.rotation, info.history(1).pose.centre}, {s.start.rotation, s.start.centre}, 1e-15);
+%! assert(info.history(end).pose.centre, pose.centre);
+%! rms = [info.history.rms];
+%! assert([rms(1), rms(end)], [info.rms_before, info.rms_after]);
+%! assert(all(diff(rms) <= 1e-12 * rms(1:end - 1)));
+%! for k = 2:numel(rms)
+%!   before = info.history(k - 1).pose;
+%!   after = info.history(k).pose;
+%!   moved = kelvane_pose({before.rotation' * after.rotation, [0 0 0]}, 'rotation_translation', 'world_from_camera', ...
+%!                        'rotation_vector', 'world_from_camera');
+%!   assert(info.history(k).turn, norm(moved(1:3)), 1e-12);
+%!   assert(info.history(k).shift, norm(after.centre - before.centre), 1e-12);
+%! end
+%! assert(info.residuals, s.pixels - kelvane_project(pose, s.points, s.K), 1e-12);
+%! assert({info.points, info.observations, info.intrinsics}, {s.points, s.pixels, s.K});
+
+%!test  % the steps are quadratic: each is about the square of the one before
+%! s = scene();
+%! s.pixels = kelvane_project(s.truth, s.points, s.K);
+%! [~, info] = refined(s);
+%! turns = [info.history(2:end).turn];
+%! assert(turns(3) < 10 * turns(2)^2 && turns(2) < 10 * turns(1)^2);
+%! assert(turns(2) > 1e-4);  % one step of the module in each
+%! assert(info.iterations <= 6);
+
+%!test  % every exit flag that can be had on purpose
+%! s = scene();
+%! flag_of = @(varargin) getfield(nthargout(2, @() refined(s, varargin{:})), 'exitflag');
+%! assert(flag_of(), 1);
+%! assert(flag_of('StepTolerance', 0), 2);
+%! assert(flag_of('FunctionTolerance', 0.1), 3);
+%! assert(flag_of('MaxIterations', 1), 0);
+%! assert(flag_of('OutputFcn', @(pose, values, state) values.iteration == 2), -1);
+%! assert(flag_of('RotationType', 3), -2);
+%! s.start = kelvane_pose({eye(3), [0; 0; -4]}, 'rotation_centre', 'world_from_camera');
+%! s.points(:, 1) = [1; 2; -4];  % beside the camera
+%! [pose, info] = refined(s);
+%! assert(info.exitflag, -3);
+%! assert(pose, s.start);
+
+%!test  % messages say why, and warn of points behind the camera
+%! s = scene();
+%! [~, info] = refined(s, 'MaxIterations', 2);
+%! assert(info.message, 'Not converged: stopped after MaxIterations = 2.');
+%! assert(info.iterations, 2);
+%! [~, info] = refined(s, 'StepTolerance', 1e-3);
+%! assert(info.message, 'Converged: the step is below StepTolerance = 0.001.');
+%! mirrored = s;
+%! mirrored.start.centre = 2 * mean(s.points, 2) - s.start.centre;
+%! [~, info] = refined(mirrored, 'MaxIterations', 0);
+%! assert(info.num_behind, 30);
+%! assert(~isempty(strfind(info.message, '30 points lie behind the camera')));
+
+%!test  % Display
+%! s = scene();
+%! assert(evalc('refined(s);'), '');
+%! [~, info] = refined(s);
+%! text = evalc('refined(s, ''Display'', ''final'');');
+%! assert(strncmp(text, info.message, numel(info.message)));
+%! lines = strsplit(strtrim(evalc('refined(s, ''Display'', ''iter'');')), "\n");
+%! assert(numel(lines), 1 + info.iterations + 1 + 2);
+%! assert(sscanf(lines{2}, '%f')(1:2)', [0, info.rms_before], -1e-5);
+%! assert(sscanf(lines{end - 2}, '%f')(1:2)', [info.iterations, info.rms_after], -1e-5);
+
+%!test  % OutputFcn sees the start, every iteration and the end, with the pose in its output form
+%! global seen
+%! seen = {};
+%! s = scene();
+%! [pose, info] = refined(s, 'OutputForm', 'colmap', 'OutputFcn', @keep_call);
+%! states = cellfun(@(call) call{3}, seen, 'UniformOutput', false);
+%! assert(states, [{'init'}, repmat({'iter'}, 1, info.iterations), {'done'}]);
+%! assert(seen{1}{1}, kelvane_pose(s.start, 'colmap'), 1e-12);
+%! assert(seen{end}{1}, pose, 1e-12);
+%! assert(cellfun(@(call) call{2}.iteration, seen), [0:info.iterations, info.iterations]);
+%! assert(seen{1}{2}.rms, info.rms_before, -1e-12);
+%! clear -global seen
+
+%!test  % a start at the optimum stays, within the rounding of one step
+%! s = scene();
+%! [best, info] = refined(s);
+%! s.start = best;
+%! [pose, again] = refined(s);
+%! assert(again.rms_after <= again.rms_before);
+%! assert(pose.centre, best.centre, 1e-10);
+%! assert(again.iterations, 1);
