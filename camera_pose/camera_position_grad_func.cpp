@@ -12,9 +12,9 @@
 namespace {
 
 /// Puts the pieces of a Jacobian where the published order wants them.
-class Unpacking_sink final : public fw::Row_sink {
+class Unpacking_row_sink final : public fw::Row_sink {
  public:
-  Unpacking_sink(const fw::Packed_layout& layout, int num_columns, double* out)
+  Unpacking_row_sink(const fw::Packed_layout& layout, int num_columns, double* out)
       : Row_sink(columns_of_piece_, stride),
         layout_(layout),
         num_columns_(static_cast<std::size_t>(num_columns)),
@@ -60,7 +60,7 @@ Camera_position_grad_func::Camera_position_grad_func(std::shared_ptr<const Packe
 
 int Camera_position_grad_func::operator()(const std::vector<double>& x, cv::Mat& J, int start) const {
   const fw::Packed_layout layout = this->layout();
-  Unpacking_sink sink(layout, num_columns(), J.ptr<double>() + start);
+  Unpacking_row_sink sink(layout, num_columns(), J.ptr<double>() + start);
   linearise(x, sink);
   return static_cast<int>(layout.num_equations());
 }

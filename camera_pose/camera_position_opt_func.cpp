@@ -26,9 +26,9 @@ void make_rotation_matrix(Representation representation, const double* r, double
 }
 
 /// Puts the pieces of a prediction where the published order wants them.
-class Unpacking_sink final : public fw::Value_sink {
+class Unpacking_value_sink final : public fw::Value_sink {
  public:
-  Unpacking_sink(const fw::Packed_layout& layout, std::vector<double>& out) : layout_(layout), out_(out) {}
+  Unpacking_value_sink(const fw::Packed_layout& layout, std::vector<double>& out) : layout_(layout), out_(out) {}
 
   void take(std::size_t first, const double* piece, std::size_t size) override {
     const std::size_t m = layout_.num_outputs;
@@ -64,7 +64,7 @@ Camera_position_opt_func::Camera_position_opt_func(std::shared_ptr<const Packed_
 std::vector<double> Camera_position_opt_func::operator()(const std::vector<double>& x) const {
   if (type == nullptr) raise(site::unknown_rotation_type, "Uknown rotation type!");
   std::vector<double> out(layout().num_equations());
-  Unpacking_sink sink(layout(), out);
+  Unpacking_value_sink sink(layout(), out);
   evaluate(x, sink);
   return out;
 }

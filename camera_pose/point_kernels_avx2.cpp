@@ -3,4 +3,4 @@
 #include "camera_pose/point_kernels_body.h"
 
 extern const Point_kernels point_kernels_avx2;
-const Point_kernels point_kernels_avx2 = kernels_of_width<4>;
+const Point_kernels point_kernels_avx2 = point_kernels_of_width<4>;

@@ -3,4 +3,4 @@
 #include "camera_pose/point_kernels_body.h"
 
 extern const Point_kernels point_kernels_avx512;
-const Point_kernels point_kernels_avx512 = kernels_of_width<8>;
+const Point_kernels point_kernels_avx512 = point_kernels_of_width<8>;

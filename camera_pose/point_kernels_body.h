@@ -126,7 +126,8 @@ void bearing_rows(const double* points, std::size_t num_points, const Projection
 }
 
 template <int width>
-constexpr Point_kernels kernels_of_width = {predict_pixels<width>, predict_bearings<width>, pixel_rows<width, 3>,
-                                            pixel_rows<width, 4>,  bearing_rows<width, 3>,  bearing_rows<width, 4>};
+constexpr Point_kernels point_kernels_of_width = {predict_pixels<width>,  predict_bearings<width>,
+                                                  pixel_rows<width, 3>,   pixel_rows<width, 4>,
+                                                  bearing_rows<width, 3>, bearing_rows<width, 4>};
 
 }  // namespace

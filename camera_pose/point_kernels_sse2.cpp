@@ -3,4 +3,4 @@
 #include "camera_pose/point_kernels_body.h"
 
 extern const Point_kernels point_kernels_sse2;
-const Point_kernels point_kernels_sse2 = kernels_of_width<2>;
+const Point_kernels point_kernels_sse2 = point_kernels_of_width<2>;

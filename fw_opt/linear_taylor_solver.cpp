@@ -13,6 +13,13 @@ void append(const std::vector<double>& values, std::vector<double>& stack) {
   stack.insert(stack.end(), values.begin(), values.end());
 }
 
+/// The error of cv::solve, made here: what goes through cv::error can be printed, if the environment says so.
+[[noreturn, gnu::cold]] void refuse_underdetermined_system() {
+  constexpr int line = 1244;  // published with OpenCV 4.6, as the file
+  throw cv::Exception(cv::Error::StsBadArg, "The function can not solve under-determined linear systems", "solve",
+                      "./modules/core/src/lapack.cpp", line);
+}
+
 double squared_norm(const std::vector<double>& values) {
   double total = 0.0;
   for (const double value : values) total += square(value);
@@ -108,13 +115,11 @@ void Linear_taylor_solver::append_weighted(std::vector<double> values, const Wei
 
 /// The minimum-norm least-squares solution of J dx = b.
 void Linear_taylor_solver::solve_step(const cv::Mat& J, const cv::Mat& b, double* dx) {
-  if (J.rows < J.cols || J.cols < 1) {
-    cv::Mat refused;
-    cv::solve(J, b, refused, cv::DECOMP_SVD);  // throws: fewer equations than unknowns
-  }
+  if (J.rows < J.cols || J.cols < 1) refuse_underdetermined_system();
   Matrix_rows rows(J, b);
-  least_squares.reduce(rows, static_cast<std::size_t>(J.cols));
-  least_squares.solve(rows, static_cast<std::size_t>(J.cols), static_cast<std::size_t>(J.rows), dx);
+  const auto n = static_cast<std::size_t>(J.cols);
+  least_squares.reduce(rows, n);
+  least_squares.solve(rows, n, static_cast<std::size_t>(J.rows), dx);
 }
 
 void Linear_taylor_solver::check_number_of_equations() const {

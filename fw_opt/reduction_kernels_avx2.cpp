@@ -5,6 +5,6 @@
 namespace fw {
 
 extern const Reduction_kernels reduction_kernels_avx2;
-const Reduction_kernels reduction_kernels_avx2 = kernels_of_width<4>;
+const Reduction_kernels reduction_kernels_avx2 = reduction_kernels_of_width<4>;
 
 }  // namespace fw

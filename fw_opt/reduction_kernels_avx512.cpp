@@ -5,6 +5,6 @@
 namespace fw {
 
 extern const Reduction_kernels reduction_kernels_avx512;
-const Reduction_kernels reduction_kernels_avx512 = kernels_of_width<8>;
+const Reduction_kernels reduction_kernels_avx512 = reduction_kernels_of_width<8>;
 
 }  // namespace fw

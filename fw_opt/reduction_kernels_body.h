@@ -242,6 +242,7 @@ double subtract_from(const double* a, double* b, std::size_t size) {
 }
 
 template <int width>
-constexpr fw::Reduction_kernels kernels_of_width = {reduce<width>, squared_distance<width>, subtract_from<width>};
+constexpr fw::Reduction_kernels reduction_kernels_of_width = {reduce<width>, squared_distance<width>,
+                                                              subtract_from<width>};
 
 }  // namespace

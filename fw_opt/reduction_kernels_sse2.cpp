@@ -5,6 +5,6 @@
 namespace fw {
 
 extern const Reduction_kernels reduction_kernels_sse2;
-const Reduction_kernels reduction_kernels_sse2 = kernels_of_width<2>;
+const Reduction_kernels reduction_kernels_sse2 = reduction_kernels_of_width<2>;
 
 }  // namespace fw

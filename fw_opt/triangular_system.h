@@ -28,7 +28,7 @@ class Triangular_system {
     cv::Mat sigma, U, Vt;
   };
 
-  Small_buffer<56> inverse_;  // seven unknowns
+  Small_buffer<56> inverse_;                      // seven unknowns
   std::unique_ptr<Decomposition> decomposition_;  // made when it is first needed
 };
 

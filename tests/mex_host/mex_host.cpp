@@ -30,8 +30,18 @@ struct Host_error : std::runtime_error {
 
 thread_local Call* current = nullptr;
 
+/// The host's own work during a call of one of its functions that may allocate.
+class In_host {
+ public:
+  In_host() { mex_host::is_in_module = false; }
+  ~In_host() { mex_host::is_in_module = true; }
+  In_host(const In_host&) = delete;
+  In_host& operator=(const In_host&) = delete;
+};
+
 void check_access(const mxArray* array, const char* function) {
-  if (array->class_name != "double" && current->forbidden_access.empty()) current->forbidden_access = function;
+  const bool has_data = array->class_name == "double" && !array->is_sparse && !array->is_complex;
+  if (!has_data && current->forbidden_access.empty()) current->forbidden_access = function;
 }
 
 /// Holds no object with a destructor, so that the error call may jump out of the module to here.
@@ -86,6 +96,7 @@ double mxGetScalar(const mxArray* array) {
 }
 
 mxArray* mxCreateDoubleMatrix(mwSize rows, mwSize columns, mxComplexity /*complexity*/) {
+  const In_host in_host;
   current->created.push_back(
       std::make_unique<mxArray>(mex_host::real_matrix(rows, columns, std::vector<double>(rows * columns))));
   return current->created.back().get();
@@ -93,6 +104,7 @@ mxArray* mxCreateDoubleMatrix(mwSize rows, mwSize columns, mxComplexity /*comple
 
 // No object with a destructor here: a jump would not destroy it.
 void mexErrMsgIdAndTxt(const char* identifier, const char* format, ...) {
+  mex_host::is_in_module = false;
   std::va_list arguments;
   va_start(arguments, format);
   store_error(identifier, format, arguments);
@@ -130,15 +142,23 @@ mxArray other_class(const std::string& class_name, std::size_t rows, std::size_t
 }
 
 Result call(const std::vector<mxArray>& inputs, int num_outputs, Error_call error_call) {
+  std::vector<const mxArray*> pointers;
+  for (const mxArray& input : inputs) pointers.push_back(&input);
+  return call_by_address(pointers, num_outputs, error_call);
+}
+
+Result call_by_address(const std::vector<const mxArray*>& inputs, int num_outputs, Error_call error_call) {
   Call this_call;
   this_call.error_call = error_call;
   current = &this_call;
-  const std::vector<mxArray> before = inputs;
-  std::vector<const mxArray*> input_pointers;
-  for (const mxArray& input : inputs) input_pointers.push_back(&input);
+  std::vector<mxArray> before;
+  for (const mxArray* input : inputs) before.push_back(*input);
+  std::vector<const mxArray*> input_pointers = inputs;
   std::vector<mxArray*> output_pointers(static_cast<std::size_t>(num_outputs > 0 ? num_outputs : 1), nullptr);
 
+  is_in_module = true;
   run(this_call, num_outputs, output_pointers.data(), static_cast<int>(inputs.size()), input_pointers.data());
+  is_in_module = false;
 
   Result result;
   if (output_pointers[0] != nullptr) result.output = *output_pointers[0];
@@ -146,7 +166,7 @@ Result call(const std::vector<mxArray>& inputs, int num_outputs, Error_call erro
   result.message = this_call.message;
   result.forbidden_access = this_call.forbidden_access;
   for (std::size_t i = 0; i < inputs.size(); ++i) {
-    if (!is_same(inputs[i], before[i])) result.has_changed_inputs = true;
+    if (!is_same(*inputs[i], before[i])) result.has_changed_inputs = true;
   }
   current = nullptr;
   return result;

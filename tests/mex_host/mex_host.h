@@ -10,7 +10,7 @@
 
 #include "mex.h"
 
-/// An array of the host, column-major. What is not a double array has no data: asking for it fails the call at once.
+/// An array of the host, column-major. What is not a full real array of doubles has no data to be asked for.
 struct mxArray {
   std::size_t rows = 0;
   std::size_t columns = 0;
@@ -42,6 +42,11 @@ struct Result {
 };
 
 Result call(const std::vector<mxArray>& inputs, int num_outputs = 1, Error_call error_call = Error_call::throws);
+/// The same for arrays that may stand at several positions.
+Result call_by_address(const std::vector<const mxArray*>& inputs, int num_outputs, Error_call error_call);
+
+/// Whether this thread is inside the module: false again while it calls one of the host's functions.
+inline thread_local bool is_in_module = false;
 
 struct Call;
 

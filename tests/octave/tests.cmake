@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: BSD-3-Clause
-# The module in Octave itself. An instrumented module could not be loaded: its runtime must come first in a process.
+# The module in Octave itself. An instrumented module needs its runtime to come first in the process.
 find_program(OctaveCli_PROGRAM octave-cli)
 mark_as_advanced(OctaveCli_PROGRAM)
 
@@ -11,16 +11,48 @@ function(kelvane_add_octave_test name command)
     --path "${PROJECT_SOURCE_DIR}/examples" --path "${PROJECT_SOURCE_DIR}/matlab" --eval "${command}")
 endfunction()
 
-if(TARGET kelvane_mex_octave AND OctaveCli_PROGRAM AND NOT KELVANE_SANITIZE)
-  foreach(topic IN ITEMS number_of_arguments rotation_type camera_and_points criteria_and_weights check_order
-                         deep_reports refinement no_side_effects help_text help_of_functions
-                         refine_costs refine_covariance refine_data refine_far_starts refine_outliers refine_poses
-                         refine_reports)
+set(topics number_of_arguments rotation_type camera_and_points criteria_and_weights check_order deep_reports refinement
+           help_text)
+# The m-files do not need an instrumented module.
+set(topics_of_functions help_of_functions refine_costs refine_covariance refine_data refine_far_starts refine_outliers
+                        refine_poses refine_reports)
+set(functions kelvane_check_gradient kelvane_pose kelvane_project kelvane_refine kelvane_types)
+set(is_tested_in_octave ON)
+if(KELVANE_SANITIZE OR KELVANE_SANITIZE_THREADS)
+  execute_process(COMMAND "${CMAKE_CXX_COMPILER}" -print-file-name=libasan.so OUTPUT_VARIABLE libasan
+                  OUTPUT_STRIP_TRAILING_WHITESPACE)
+  if(KELVANE_SANITIZE_THREADS OR NOT CMAKE_CXX_COMPILER_ID STREQUAL "GNU" OR NOT EXISTS "${libasan}")
+    set(is_tested_in_octave OFF)
+  endif()
+endif()
+
+if(TARGET kelvane_mex_octave AND OctaveCli_PROGRAM AND is_tested_in_octave)
+  foreach(topic IN LISTS topics)
     kelvane_add_octave_test(${topic} "run_tests('${CMAKE_CURRENT_SOURCE_DIR}/octave/${topic}.tst')")
-  endforeach()
-  foreach(function IN ITEMS kelvane_check_gradient kelvane_pose kelvane_project kelvane_refine kelvane_types)
-    kelvane_add_octave_test(${function} "run_tests('${PROJECT_SOURCE_DIR}/matlab/${function}.m')")
   endforeach()
   kelvane_add_octave_test(silence "silent_calls()")
   set_tests_properties(octave/silence PROPERTIES PASS_REGULAR_EXPRESSION "^all calls made\n$")
+  # One type is enough for an instrumented module, in which everything takes longer.
+  kelvane_add_octave_test(hostile_inputs "hostile_inputs($<$<BOOL:${KELVANE_SANITIZE}>:[0, 0]>)")
+  set_tests_properties(octave/hostile_inputs PROPERTIES PASS_REGULAR_EXPRESSION "^every value at every position\n$")
+  if(KELVANE_SANITIZE)
+    # Leaks are told by their whole stack, which makes everything slow: looked for in one test only.
+    set(environment "LD_PRELOAD=${libasan};ASAN_OPTIONS=detect_leaks=0")
+    list(TRANSFORM topics PREPEND octave/)
+    set_tests_properties(${topics} octave/hostile_inputs PROPERTIES ENVIRONMENT "${environment}")
+    set(leaks "fast_unwind_on_malloc=0:print_suppressions=0")
+    set(environment "LD_PRELOAD=${libasan}"
+      "LSAN_OPTIONS=${leaks}:suppressions=${CMAKE_CURRENT_SOURCE_DIR}/octave/leak_suppressions.txt")
+    set_tests_properties(octave/silence PROPERTIES ENVIRONMENT "${environment}")
+  else()
+    foreach(topic IN LISTS topics_of_functions)
+      kelvane_add_octave_test(${topic} "run_tests('${CMAKE_CURRENT_SOURCE_DIR}/octave/${topic}.tst')")
+    endforeach()
+    foreach(function IN LISTS functions)
+      kelvane_add_octave_test(${function} "run_tests('${PROJECT_SOURCE_DIR}/matlab/${function}.m')")
+    endforeach()
+    # These measure memory.
+    kelvane_add_octave_test(no_side_effects "run_tests('${CMAKE_CURRENT_SOURCE_DIR}/octave/no_side_effects.tst')")
+    kelvane_add_octave_test(loads_and_unloads "loads_and_unloads(2000)")
+  endif()
 endif()

@@ -161,7 +161,11 @@ class RealData : public testing::TestWithParam<std::tuple<const char*, int>> {
   }
 
   std::vector<Measured_problem> problems() const {
-    return support::read_pixel_set(std::filesystem::path(KELVANE_DATA_FOLDER) / set);
+    auto all = support::read_pixel_set(std::filesystem::path(KELVANE_DATA_FOLDER) / set);
+#if defined(__SANITIZE_ADDRESS__)  // the rest takes long and differs in its numbers only
+    if (all.size() > 2) all.erase(all.begin() + 2, all.end());
+#endif
+    return all;
   }
 };
 

@@ -1,0 +1,25 @@
+# SPDX-License-Identifier: BSD-3-Clause
+# Fuzz targets. Every compiler builds them with a plain main function, which replays the seeds and all past findings;
+# with KELVANE_FUZZ they are linked to libFuzzer as well.
+function(kelvane_add_fuzz_target name)
+  set(here "${CMAKE_CURRENT_SOURCE_DIR}/fuzz")
+  foreach(target IN ITEMS fuzz_${name}_replay fuzz_${name})
+    if(target STREQUAL fuzz_${name} AND NOT KELVANE_FUZZ)
+      continue()
+    endif()
+    add_executable(${target} fuzz/${name}.cpp)
+    target_include_directories(${target} PRIVATE "${CMAKE_CURRENT_SOURCE_DIR}")
+    target_compile_options(${target} PRIVATE ${test_options})
+    target_link_libraries(${target} PRIVATE kelvane kelvane_compile_options GTest::gtest ${ARGN})
+  endforeach()
+  target_sources(fuzz_${name}_replay PRIVATE fuzz/replay.cpp)
+  add_test(NAME fuzz/${name}_replay COMMAND fuzz_${name}_replay "${here}/corpus/${name}" "${here}/regressions/${name}")
+  if(KELVANE_FUZZ)
+    target_link_options(fuzz_${name} PRIVATE -fsanitize=fuzzer)
+  endif()
+endfunction()
+
+kelvane_add_fuzz_target(mex_function mex_host)
+if(TARGET kelvane_mat_reader)
+  kelvane_add_fuzz_target(stream_readers kelvane_mat_reader)
+endif()

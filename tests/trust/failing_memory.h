@@ -1,0 +1,33 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// An allocator that counts blocks and refuses chosen ones of those that the module asks for.
+#pragma once
+
+#include <cstddef>
+
+namespace trust {
+
+/// Whether one allocation fails or memory stays exhausted from there on.
+enum class Shortage { once, lasting };
+
+/// For counting only.
+inline constexpr long none_fails = -1;
+
+/// From construction to destruction, on this thread: `count` allocations of the module succeed, the next one fails.
+/// What the host allocates succeeds always. Counted are malloc and its relatives, which operator new and OpenCV's
+/// allocator end in; where a sanitizer has replaced those, operator new alone.
+class Failing_memory {
+ public:
+  Failing_memory(long count, Shortage shortage);
+  ~Failing_memory();
+  Failing_memory(const Failing_memory&) = delete;
+  Failing_memory& operator=(const Failing_memory&) = delete;
+
+  bool has_failed() const;
+  /// Bytes that the first allocation to fail asked for.
+  std::size_t refused_size() const;
+  /// Blocks that were allocated since construction, by anybody on this thread, and not freed. Always 0 under a
+  /// sanitizer, which looks for leaks itself.
+  long num_blocks_left() const;
+};
+
+}  // namespace trust
