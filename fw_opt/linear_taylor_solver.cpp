@@ -63,8 +63,10 @@ void Linear_taylor_solver::inner_optimise(const std::vector<double>& x0, const s
   }
   if (packed_run.is_active()) {  // the run is over, and somebody goes on by hand
     packed_run.end();
-    weigh_first_point(x0, target);
-    evaluate(x0);
+    if (!packed_run.last_point().empty()) {
+      weighted_target = packed_run.published_target();
+      evaluate(packed_run.last_point());
+    }
   }
   if (func_values.empty()) weigh_first_point(x0, target);
   check_number_of_equations();

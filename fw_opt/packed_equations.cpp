@@ -21,4 +21,13 @@ void Packed_layout::pack(const double* published, double* packed) const {
   }
 }
 
+void Packed_layout::unpack(const double* packed, double* published) const {
+  for (std::size_t stack = 0; stack < num_stacks; ++stack) {
+    for (std::size_t i = 0; i < num_items; ++i) {
+      const double* item = packed + (stack * num_groups() + i / group_size) * group_size * num_outputs + i % group_size;
+      for (std::size_t output = 0; output < num_outputs; ++output) *published++ = item[output * group_size];
+    }
+  }
+}
+
 }  // namespace fw

@@ -27,6 +27,8 @@ struct Packed_layout {
 
   /// From published to packed order; `packed` has packed_size() entries.
   void pack(const double* published, double* packed) const;
+  /// Back again; `published` has num_equations() entries.
+  void unpack(const double* packed, double* published) const;
 };
 
 /// Receives predictions piece by piece.

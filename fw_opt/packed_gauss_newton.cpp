@@ -45,6 +45,7 @@ bool Packed_gauss_newton::begin(const Solver& solver, const std::vector<double>&
   }
   pack(target);
   dx_.resize(num_dimensions_);
+  last_point_.clear();
   is_first_ = true;
   is_reduced_ = false;
   return true;
@@ -105,6 +106,13 @@ void Packed_gauss_newton::iterate(Least_squares& least_squares, const std::vecto
   x_out = x0;
   for (std::size_t d = 0; d < num_dimensions_; ++d) x_out.at(d) += step_factor * dx_[d];
   err = advance(least_squares, x_out, is_last);
+  last_point_ = x_out;
+}
+
+std::vector<double> Packed_gauss_newton::published_target() const {
+  std::vector<double> target(layout_.num_equations());
+  layout_.unpack(weighted_target(), target.data());
+  return target;
 }
 
 template <typename Some_rows>

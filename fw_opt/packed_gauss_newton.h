@@ -21,6 +21,10 @@ class Packed_gauss_newton {
   bool begin(const Solver& solver, const std::vector<double>& target);
   bool is_active() const { return function_ != nullptr; }
   void end() { function_ = nullptr; }
+  /// Where the last iteration ended; empty when none did.
+  const std::vector<double>& last_point() const { return last_point_; }
+  /// The weighted target of the run in published order.
+  std::vector<double> published_target() const;
 
   /// One iteration of a run; the first after begin() weighs values and target. Where another one follows, x0 is what
   /// x_out was before.
@@ -61,6 +65,7 @@ class Packed_gauss_newton {
   Aligned_buffer weights_;          // empty: all 1.0
   Aligned_buffer differences_;      // column by column
   std::vector<double> x_;
+  std::vector<double> last_point_;
   Small_buffer<8> dx_;
   const Reduction_kernels* kernels_ = &reduction_kernels(best_instruction_set());
 };

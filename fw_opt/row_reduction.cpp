@@ -41,12 +41,19 @@ void Row_reduction::put_triangle_above() {
 double Row_reduction::squared_norm() const { return squared_norm_of_triangle(triangle_.data(), n_); }
 
 bool Row_reduction::is_well_scaled(double squared_norm_of_R) const {
-  // Far inside the range of the squares, and far above the length below which a column is left out.
-  constexpr double smallest = 1e-240;
-  constexpr double largest = 1e280;
+  // Inside these the fourth powers of R, which OpenCV's singular values need, and the products of R and c keep their
+  // digits, and R is far above the length below which a column is left out.
+  constexpr double smallest = 1e-120;
+  constexpr double largest = 1e140;
+  constexpr double smallest_of_c = 1e-140;
   bool is_finite = true;
-  for (std::size_t j = 0; j < n_; ++j) is_finite &= std::isfinite(triangle_[j * (n_ + 1) + n_]);
-  return is_finite && squared_norm_of_R >= smallest && squared_norm_of_R <= largest;
+  double largest_of_c = 0.0;
+  for (std::size_t j = 0; j < n_; ++j) {
+    const double entry = std::abs(triangle_[j * (n_ + 1) + n_]);
+    is_finite &= std::isfinite(entry);
+    largest_of_c = std::max(largest_of_c, entry);
+  }
+  return is_finite && largest_of_c >= smallest_of_c && squared_norm_of_R >= smallest && squared_norm_of_R <= largest;
 }
 
 }  // namespace fw

@@ -3,6 +3,7 @@
 kelvane_add_test(fw_tools/exception_l)
 kelvane_add_test(fw_tools/report)
 kelvane_add_test(fw_tools/scalar_helpers)
+kelvane_add_test(fw_tools/aligned_buffer)
 kelvane_add_test(fw_tools/std_vector_overloads)
 kelvane_add_test(fw_tools/default_val)
 kelvane_add_test(fw_tools/matrix)

@@ -76,9 +76,9 @@ struct Least_squares {
   Real condition;  // the largest singular value by the smallest that is not cut
 };
 
-/// The shortest x that minimises |J x - b|. Singular values up to 2 eps times their sum count as zero, with the eps of
-/// double: that is where the solver cuts.
-inline Least_squares least_squares(const Matrix& J, const Vector& b) {
+/// The shortest x that minimises |J x - b|. Singular values up to 2 eps times their sum, or up to num_rows eps times
+/// the largest, count as zero, with the eps of double: that is where the solver cuts.
+inline Least_squares least_squares(const Matrix& J, const Vector& b, std::size_t num_rows = 0) {
   Matrix A = transposed(J);
   Matrix V = identity(A.size());
   orthogonalise(A, V);
@@ -88,8 +88,8 @@ inline Least_squares least_squares(const Matrix& J, const Vector& b) {
     singular_values.push_back(std::sqrt(dot(column, column)));
     sum += singular_values.back();
   }
-  const Real cut = 2.0L * std::numeric_limits<double>::epsilon() * sum;
   const Real largest = *std::max_element(singular_values.begin(), singular_values.end());
+  const Real cut = std::max(2.0L * sum, static_cast<Real>(num_rows) * largest) * std::numeric_limits<double>::epsilon();
   Least_squares result{Vector(A.size(), 0.0L), 0, 1.0L};
   for (std::size_t k = 0; k < A.size(); ++k) {
     const Real sigma = singular_values[k];
