@@ -11,30 +11,20 @@
 %   Example
 %     chessboard_demo(tempdir());
 %
-%   See also kelvane_mex, chessboard_view.
+%   See also kelvane_mex, chessboard_view, types_demo.
 
 % SPDX-License-Identifier: BSD-3-Clause
 % The demonstration of the whole module.
 function chessboard_demo(folder)
-  if exist('OCTAVE_VERSION', 'builtin')
-    warning('off', 'Octave:gnuplot-graphics', 'local');
-    graphics_toolkit('gnuplot');
-  end
+  quiet = picture_toolkit(); %#ok<NASGU>
   names = {'0 aau', '1 aan', '2 qu', '3 qn'};
   views = cell(1, 6);
   for i = 1:6
     views{i} = chessboard_view(i);
   end
   print_refinements(views, names);
-
-  all_types = [0, 1, 2, 3, -1, -2, -3];
-  all_names = [names, {'-1 qu,aau,aan', '-2 aau,qu,aan', '-3 aan,qu,aau'}];
-  raced = views{4};
-  excess = race(raced, all_types, 10);
-  print_race(raced, all_names, excess);
-  fprintf('Pictures:\n');
   shown = views{5};
   plot_corners(shown, 0, fullfile(folder, 'chessboard_corners.png'));
   plot_convergence(shown, names, 10, fullfile(folder, 'chessboard_convergence.png'));
-  plot_race(raced, all_names, excess, fullfile(folder, 'chessboard_all_types.png'));
+  types_demo(folder);
 end

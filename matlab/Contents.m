@@ -2,7 +2,16 @@
 %
 % Refinement
 %   kelvane_refine         - Refine a camera pose until it is still, with weights, robust losses and the uncertainty of the result.
+%   kelvane_batch          - Refine many camera poses, in as many processes as wanted.
 %   kelvane_mex            - Refine a camera pose from 3D points and their observations.
+%
+% Files
+%   kelvane_read_colmap    - Read a COLMAP model as one refinement problem for each image.
+%   kelvane_read_bal       - Read a file of Bundle Adjustment in the Large as one refinement problem for each camera.
+%
+% Pictures and demos
+%   kelvane_plot           - Draw a refinement: residuals before and after, RMS by iteration, and the camera in the scene.
+%   kelvane_demo           - List and run the demonstrations.
 %
 % Poses and predictions
 %   kelvane_pose           - Convert camera poses between forms and frames.
@@ -11,5 +20,8 @@
 % Rotation types
 %   kelvane_types          - The rotation types: what a search vector holds and what is predicted from it.
 %   kelvane_check_gradient - Compare the derivatives in kelvane_mex with differences of its prediction, at your own pose.
+%
+% Building
+%   kelvane_build          - Compile kelvane_mex with the host's own mex.
 %
 % SPDX-License-Identifier: BSD-3-Clause

@@ -1,6 +1,9 @@
 % SPDX-License-Identifier: BSD-3-Clause
-% An invisible figure with the fonts and line widths of the pictures.
-function f = new_picture()
+% An invisible figure with the fonts and line widths of the pictures; font_size is 8 points unless given.
+function f = new_picture(font_size)
+  if nargin < 1
+    font_size = 8;
+  end
   f = figure('visible', 'off', 'color', 'w', 'defaultaxesfontname', 'FreeSans', 'defaulttextfontname', 'FreeSans', ...
-             'defaultaxesfontsize', 8, 'defaulttextfontsize', 8, 'defaultlinelinewidth', 1.5);
+             'defaultaxesfontsize', font_size, 'defaulttextfontsize', font_size, 'defaultlinelinewidth', 1.5);
 end

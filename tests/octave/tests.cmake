@@ -3,10 +3,11 @@
 find_program(OctaveCli_PROGRAM octave-cli)
 mark_as_advanced(OctaveCli_PROGRAM)
 
-# kelvane_add_octave_test(name command): runs an Octave command on the built module, without any file of the user's.
+# kelvane_add_octave_test(name command [launcher ...]): runs an Octave command on the built module, without any file of the
+# user's.
 function(kelvane_add_octave_test name command)
   set(here "${CMAKE_CURRENT_SOURCE_DIR}/octave")
-  add_test(NAME "octave/${name}" COMMAND "${OctaveCli_PROGRAM}" --norc --no-history --no-window-system -q
+  add_test(NAME "octave/${name}" COMMAND ${ARGN} "${OctaveCli_PROGRAM}" --norc --no-history --no-window-system -q
     --path "$<TARGET_FILE_DIR:kelvane_mex_octave>" --path "${here}" --path "${here}/support"
     --path "${PROJECT_SOURCE_DIR}/examples" --path "${PROJECT_SOURCE_DIR}/matlab" --eval "${command}")
 endfunction()
@@ -15,8 +16,9 @@ set(topics number_of_arguments rotation_type camera_and_points criteria_and_weig
            help_text)
 # The m-files do not need an instrumented module.
 set(topics_of_functions help_of_functions refine_costs refine_covariance refine_data refine_far_starts refine_outliers
-                        refine_poses refine_reports)
-set(functions kelvane_check_gradient kelvane_pose kelvane_project kelvane_refine kelvane_types)
+                        refine_poses refine_reports batch_engines demos read_bal read_colmap)
+set(functions kelvane_batch kelvane_check_gradient kelvane_demo kelvane_plot kelvane_pose kelvane_project
+              kelvane_read_bal kelvane_read_colmap kelvane_refine kelvane_types)
 set(is_tested_in_octave ON)
 if(KELVANE_SANITIZE OR KELVANE_SANITIZE_THREADS)
   execute_process(COMMAND "${CMAKE_CXX_COMPILER}" -print-file-name=libasan.so OUTPUT_VARIABLE libasan
@@ -51,6 +53,10 @@ if(TARGET kelvane_mex_octave AND OctaveCli_PROGRAM AND is_tested_in_octave)
     foreach(function IN LISTS functions)
       kelvane_add_octave_test(${function} "run_tests('${PROJECT_SOURCE_DIR}/matlab/${function}.m')")
     endforeach()
+    # Its servers start and end with it; where that is not possible, it is skipped with the reason.
+    kelvane_add_octave_test(batch_servers "run_tests('${CMAKE_CURRENT_SOURCE_DIR}/octave/batch_servers.tst')"
+      sh "${CMAKE_CURRENT_SOURCE_DIR}/octave/two_servers")
+    set_tests_properties(octave/batch_servers PROPERTIES SKIP_RETURN_CODE 77)
     # These measure memory.
     kelvane_add_octave_test(no_side_effects "run_tests('${CMAKE_CURRENT_SOURCE_DIR}/octave/no_side_effects.tst')")
     kelvane_add_octave_test(loads_and_unloads "loads_and_unloads(2000)")

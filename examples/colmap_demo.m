@@ -1,0 +1,94 @@
+% COLMAP_DEMO  Refine all poses of a COLMAP model, on two processes.
+%
+%   colmap_demo(folder)
+%   colmap_demo(folder, model)
+%   colmap_demo(folder, model, num_processes)
+%
+%   Reads the model in the folder model, moves every pose by 2 degrees and 3 % of its distance to the points, refines all
+%   of them with Huber's loss, and prints a table. Without a model a small one of our own making is used: 12 photographs of
+%   a house. Saves colmap.png in folder, which must exist: the model with its cameras before and after. Needs kelvane_batch,
+%   and Octave's package parallel or MATLAB's Parallel Computing Toolbox for more than one process. No screen is needed.
+%
+%   Example
+%     colmap_demo(tempdir());
+%
+%   See also kelvane_demo, kelvane_read_colmap, kelvane_batch.
+
+% SPDX-License-Identifier: BSD-3-Clause
+% A whole model from file to picture.
+function colmap_demo(folder, model, num_processes)
+  quiet = picture_toolkit(); %#ok<NASGU>
+  if nargin < 2 || isempty(model)
+    model = tempname();
+    removing = onCleanup(@() remove_model(model)); %#ok<NASGU>
+    write_house_model(model);
+  end
+  if nargin < 3
+    num_processes = 2;
+  end
+  problems = disturbed(kelvane_read_colmap(model));
+  timer = tic;
+  results = batch_of(problems, num_processes);
+  fprintf('%d poses in %.2f s\n', numel(problems), toc(timer));
+  print_results(problems, results);
+  plot_model(problems, results, fullfile(folder, 'colmap.png'));
+end
+
+% On one process where more cannot be had.
+function results = batch_of(problems, num_processes)
+  options = struct('Loss', 'huber', 'Progress', 'line');
+  try
+    results = kelvane_batch(problems, 'Processes', num_processes, options);
+  catch caught
+    if ~strcmp(caught.identifier, 'kelvane:noParallel')
+      rethrow(caught);
+    end
+    fprintf('One after the other: %s\n', caught.message);
+    results = kelvane_batch(problems, options);
+  end
+end
+
+% Each pose turned by 2 degrees and moved by 3 % of its distance, another way for each.
+function problems = disturbed(problems)
+  for k = 1:numel(problems)
+    problems(k).start_of_file = problems(k).start;
+    way = @(j) sin(k * [1; 2; 3] + j) / norm(sin(k * [1; 2; 3] + j));
+    w = way(0) * 2 * pi / 180;
+    distance = norm(problems(k).start.centre - mean(problems(k).points, 2));
+    problems(k).start.rotation = problems(k).start.rotation * expm([0, -w(3), w(2); w(3), 0, -w(1); -w(2), w(1), 0]);
+    problems(k).start.centre = problems(k).start.centre + way(1) * 0.03 * distance;
+  end
+end
+
+function print_results(problems, results)
+  width = max(5, max(cellfun(@numel, {problems.name})));
+  fprintf('%-*s %7s %12s %12s %11s %22s\n', width, 'image', 'points', 'RMS before', 'RMS after', 'iterations', ...
+          'from the file (deg, %)');
+  for k = 1:numel(results)
+    if ~isempty(results(k).error)
+      fprintf('%-*s %s\n', width, results(k).name, results(k).error);
+      continue;
+    end
+    pose = results(k).pose;
+    known = problems(k).start_of_file;
+    turn = 2 * asin(min(1, norm(pose.rotation - known.rotation, 'fro') / sqrt(8))) * 180 / pi;
+    shift = 100 * norm(pose.centre - known.centre) / norm(known.centre - mean(problems(k).points, 2));
+    fprintf('%-*s %7d %12.3f %12.3f %11d %11.4f %10.4f\n', width, results(k).name, size(problems(k).points, 2), ...
+            plain_rms(results(k).info.history(1).pose, problems(k)), plain_rms(pose, problems(k)), ...
+            results(k).info.iterations, turn, shift);
+  end
+end
+
+% Without the loss.
+function rms = plain_rms(pose, problem)
+  seen = kelvane_project(pose, problem.points, problem.intrinsics);
+  rms = sqrt(mean(sum((seen - problem.observations).^2, 1)));
+end
+
+function remove_model(model)
+  names = {'cameras.txt', 'images.txt', 'points3D.txt'};
+  for k = 1:3
+    delete(fullfile(model, names{k}));
+  end
+  rmdir(model);
+end

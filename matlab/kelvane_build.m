@@ -1,0 +1,149 @@
+% KELVANE_BUILD  Compile kelvane_mex with the host's own mex.
+%
+%   kelvane_build()
+%   kelvane_build(name, value, ...)
+%   [file, calls] = kelvane_build(...)
+%
+%   For hosts without CMake around; otherwise "cmake --preset release" and "cmake --build --preset release" do the same.
+%   Sources and their options come from CMake's files. 64-bit Linux with GCC or Clang; takes one or two minutes.
+%
+%   Options:
+%     'OpenCV'       folder in which include/opencv4 or include, and lib, lib64 or lib/x86_64-linux-gnu hold the core of
+%                    OpenCV 3 or 4; by default /usr/local or /usr
+%     'Output'       folder for the module, default that of this function, where it hides the help text kelvane_mex.m
+%     'LinkOptions'  cell of options for the linker, such as {'-lz', '-llapack'}: what a static OpenCV needs besides itself
+%     'Display'      'iter' (default): a line for each file; or 'off'
+%     'DryRun'       true: nothing is compiled, the calls of mex are only returned; default false
+%
+%   Outputs:
+%     file           the module
+%     calls          1 x M, the inputs of each call of mex, a cell of words
+%
+%   Example:
+%     [file, calls] = kelvane_build('DryRun', true, 'Output', 'here');
+%     fprintf('%s after mex %s ... %s\n', file(1:16), calls{1}{[1, end]});
+%   Output:
+%     here/kelvane_mex after mex -c ... kelvane_mex.cpp
+%
+%   See also kelvane_mex, mex.
+
+% SPDX-License-Identifier: BSD-3-Clause
+% The build of the module without CMake.
+function [file, calls] = kelvane_build(varargin)
+  here = fileparts(mfilename('fullpath'));
+  defaults = struct('OpenCV', '', 'Output', here, 'LinkOptions', {{}}, 'Display', 'iter', 'DryRun', false);
+  options = parse_options('kelvane_build', defaults, varargin);
+  options.Display = one_of(options.Display, {'off', 'iter'}, 'kelvane:option', 'Display');
+  check_texts(options);
+  project = fileparts(here);
+  if ~exist(fullfile(project, 'kelvane_mex.cpp'), 'file')
+    error('kelvane:build', 'The sources of kelvane_mex are not in the folder above that of kelvane_build.');
+  end
+  hosts = {'matlab', 'octave'};
+  host = hosts{1 + (exist('OCTAVE_VERSION', 'builtin') ~= 0)};
+  objects = tempname();
+  calls = build_calls(host, build_sources(project), objects, find_opencv(options.OpenCV), options.LinkOptions);
+  name = ['kelvane_mex.', mexext()];
+  file = fullfile(options.Output, name);
+  if ~options.DryRun
+    file = fullfile(absolute_folder(options.Output), name);
+    mkdir(objects);
+    clean = onCleanup(@() remove_objects(objects));
+    build(project, objects, calls, strcmp(options.Display, 'iter'));
+    replace_module(fullfile(objects, name), file);
+  end
+  if nargout == 0
+    clear file calls;
+  end
+end
+
+function check_texts(options)
+  if ~ischar(options.OpenCV) || ~ischar(options.Output) || ~iscellstr(options.LinkOptions)
+    error('kelvane:option', 'OpenCV and Output must be folders, LinkOptions a cell of words.');
+  end
+end
+
+function opencv = find_opencv(prefix)
+  prefixes = {prefix};
+  if isempty(prefix)
+    prefixes = {'/usr/local', '/usr'};
+  end
+  for candidate = prefixes
+    opencv.include = first_with(candidate{1}, {'include/opencv4', 'include'}, {'opencv2/core.hpp'});
+    opencv.library = first_with(candidate{1}, {'lib', 'lib64', 'lib/x86_64-linux-gnu'}, ...
+                                {'libopencv_core.so', 'libopencv_core.a'});
+    if ~isempty(opencv.include) && ~isempty(opencv.library)
+      return;
+    end
+  end
+  error('kelvane:build', 'OpenCV''s core is not below %s. Say where it is: kelvane_build(''OpenCV'', folder).', ...
+        strjoin(prefixes, ' or '));
+end
+
+function folder = first_with(prefix, folders, files)
+  for i = 1:numel(folders)
+    folder = fullfile(prefix, folders{i});
+    if any(cellfun(@(file) exist(fullfile(folder, file), 'file'), files))
+      return;
+    end
+  end
+  folder = '';
+end
+
+function folder = absolute_folder(folder)
+  if ~exist(folder, 'dir')
+    mkdir(folder);
+  end
+  [~, attributes] = fileattrib(folder);
+  folder = attributes.Name;
+end
+
+function build(project, objects, calls, shows)
+  start = pwd();
+  back = onCleanup(@() cd(start));
+  cd(project);  % a path of the user's may hold blanks, which mex of Octave does not quote
+  for i = 1:numel(calls)
+    if shows && i < numel(calls)
+      fprintf('[%d/%d] %s\n', i, numel(calls), calls{i}{end});
+    elseif shows
+      fprintf('[%d/%d] linking\n', i, numel(calls));
+    end
+    mex(calls{i}{:});
+  end
+end
+
+% A module that is loaded must not be written over.
+function replace_module(new, file)
+  clear('kelvane_mex');
+  if exist(file, 'file')
+    delete(file);
+  end
+  [done, message] = movefile(new, file);
+  if ~done
+    error('kelvane:build', 'The module cannot be written to %s: %s', file, message);
+  end
+  rehash();  % the host has seen this folder without the module
+end
+
+function remove_objects(objects)
+  if numel(dir(objects)) > 2  % more than . and ..
+    delete(fullfile(objects, '*'));
+  end
+  rmdir(objects);
+end
+
+%!test  % nothing is compiled in a dry run
+%! [file, calls] = kelvane_build('DryRun', true, 'Output', 'nowhere');
+%! assert(file, fullfile('nowhere', ['kelvane_mex.', mexext()]));
+%! assert(exist('nowhere'), 0);
+%! assert(numel(calls) > 10);
+
+%!test  % the last call links all that the others compile
+%! [~, calls] = kelvane_build('DryRun', true, 'LinkOptions', {'-lz'});
+%! outputs = cellfun(@(call) call{find(strcmp(call, '-o')) + 1}, calls, 'UniformOutput', false);
+%! assert(all(ismember(outputs(1:end - 1), calls{end})));
+%! assert(calls{end}(end - 1:end), {'-lopencv_core', '-lz'});
+
+%!error <OpenCV's core is not below /nowhere> kelvane_build('OpenCV', '/nowhere')
+%!error <OpenCV and Output must be folders> kelvane_build('Output', 3)
+%!error <Did you mean 'OpenCV'> kelvane_build('OpenCF', '/usr')

@@ -1,0 +1,80 @@
+% KELVANE_READ_BAL  Read a file of Bundle Adjustment in the Large as one refinement problem for each camera.
+%
+%   problems = kelvane_read_bal(file)
+%
+%   file is a text file of that collection, after bunzip2. Its cameras look along -z with y up; here they look along z with y
+%   down, so poses are turned and pixels mirrored on the way in. The radial distortion is removed from the observations. A
+%   broken file is an error that names the line.
+%
+%   problems is a 1 x n struct array, in the order of the file, as kelvane_batch takes it, with the fields
+%     name          'camera 0' for the first
+%     id            number of the camera in the file, from 0
+%     start         its pose, the struct of kelvane_pose
+%     points        3 x m world points that it observes, in the file's unit
+%     observations  2 x m pixels (u to the right, v down) from the middle of the image, without distortion
+%     intrinsics    3 x 3 K with the principal point (0, 0), pixels
+%     image_size    [], which the file does not tell
+%     point_ids     1 x m, number of each point in the file, from 0
+%   Pixels beyond what a lens with this distortion can see are left out, with a warning.
+%
+%   Example:
+%     bal = tempname();
+%     file = fopen(bal, 'w');
+%     fprintf(file, '1 1 1\n0 0 -30 40\n');              % cameras, points, observations; camera 0 sees point 0 up left
+%     fprintf(file, '%g\n', [0 0 0, 0 0 0, 100 0 0]);    % rotation vector, translation, focal length, distortion
+%     fprintf(file, '%g\n', [-3 4 -10]);                 % the point, in front of a camera that looks along -z
+%     fclose(file);
+%     problem = kelvane_read_bal(bal);
+%     fprintf('seen at (%g, %g), ', problem.observations);
+%     fprintf('predicted (%g, %g)\n', kelvane_project(problem.start, problem.points, problem.intrinsics));
+%   Output:
+%     seen at (-30, -40), predicted (-30, -40)
+%
+%   See also kelvane_batch, kelvane_read_colmap, kelvane_refine, kelvane_pose.
+
+% SPDX-License-Identifier: BSD-3-Clause
+% Reader of the problems of Agarwal, Snavely, Seitz, Szeliski 2010.
+function problems = kelvane_read_bal(file)
+  if nargin < 1
+    error('kelvane:inputs', 'kelvane_read_bal needs the name of a file.');
+  end
+  [seen, cameras, points] = read_bal_blocks(file);
+  flip = diag([1, -1, -1]);
+  problems = struct('name', {}, 'id', {}, 'start', {}, 'points', {}, 'observations', {}, 'intrinsics', {}, ...
+                    'image_size', {}, 'point_ids', {});
+  for k = size(cameras, 2):-1:1
+    c = cameras(:, k);
+    Q = flip * rotation_of_vector(c(1:3)');  % rows 2 and 3 negated: z forward, y down
+    pose = read_pose({Q, flip * c(4:6)}, 'rotation_translation', 'camera_from_world');
+    own = seen(:, seen(1, :) == k - 1);
+    problems(k) = view_problem(sprintf('camera %d', k - 1), k - 1, pose, points(:, own(2, :) + 1), [1; -1] .* own(3:4, :), ...
+                               diag([c(7), c(7), 1]), c(8:9)', [], own(2, :));
+  end
+end
+
+%!error <needs the name of a file> kelvane_read_bal()
+%!error <cannot be read> kelvane_read_bal(tempname())
+
+%!test  % pixels that the published formula makes lead to the camera that made them, through its distortion
+%! rand('state', 3);
+%! camera = [0.3 -0.2 0.1, 0.5 -0.4 0.3, 800, -0.3, 0.1];
+%! points = [2 * rand(2, 20) - 1; -3 - 2 * rand(1, 20)];
+%! S = [0 -0.1 -0.2; 0.1 0 -0.3; 0.2 0.3 0];
+%! P = expm(S) * points + camera(4:6)';
+%! p = -P(1:2, :) ./ P(3, :);
+%! r2 = sum(p.^2);
+%! p = camera(7) * (1 + camera(8) * r2 + camera(9) * r2.^2) .* p;
+%! name = tempname();
+%! file = fopen(name, 'w');
+%! fprintf(file, '2 20 20\n');
+%! fprintf(file, '1 %d %.17g %.17g\n', [0:19; p]);
+%! fprintf(file, '%.17g\n', camera, camera, points);
+%! fclose(file);
+%! problems = kelvane_read_bal(name);
+%! delete(name);
+%! assert([size(problems(1).points, 2), size(problems(2).points, 2)], [0, 20]);
+%! assert({problems.name}, {'camera 0', 'camera 1'});
+%! assert(problems(2).point_ids, 0:19);
+%! [seen, ~, depth] = kelvane_project(problems(2).start, problems(2).points, problems(2).intrinsics);
+%! assert(all(depth > 0));
+%! assert(seen, problems(2).observations, 1e-10);

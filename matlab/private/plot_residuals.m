@@ -1,0 +1,54 @@
+% SPDX-License-Identifier: BSD-3-Clause
+% Draws where the points of a refinement's info were observed and where a pose sees them.
+function drawn = plot_residuals(target, info, pose, rms, name)
+  camera = read_intrinsics(info.intrinsics);
+  seen = predicted(camera, camera_points(pose.rotation, pose.centre, info.points));
+  observed = in_picture(camera, info.observations);
+  seen = in_picture(camera, seen);
+  lines = cat(3, observed, seen, NaN(size(seen)));
+  lines = reshape(permute(lines, [1, 3, 2]), 2, []);
+  good = info.inliers;
+  drawn.residuals = plot(target, lines(1, :), lines(2, :), '-', 'color', [0.6, 0.6, 0.6]);
+  drawn.observed = plot(target, observed(1, good), observed(2, good), 'o', 'color', [0, 0.45, 0.70], 'markersize', 4);
+  drawn.outliers = plot(target, observed(1, ~good), observed(2, ~good), 's', 'color', [0.8, 0.2, 0.5], 'markersize', 4);
+  drawn.predicted = plot(target, seen(1, :), seen(2, :), 'x', 'color', [0.84, 0.37, 0], 'markersize', 4);
+  if camera.bearing
+    draw_right_angle(target, observed);
+    axis_names = {'right (degrees off the axis)', 'down (degrees off the axis)'};
+    unit = 'rad';
+  else
+    axis_names = {'u (pixels)', 'v (pixels)'};
+    unit = 'pixels';
+  end
+  set(target, 'ydir', 'reverse', 'box', 'on');
+  axis(target, 'equal');
+  axis(target, box_around(observed));
+  xlabel(target, axis_names{1});
+  ylabel(target, axis_names{2});
+  title(target, sprintf('%s: %s %.3g %s', name, name_of_rms(info), rms, unit));
+end
+
+% Pixels stay; directions become the angle from the optical axis along the way that they point to.
+function xy = in_picture(camera, seen)
+  xy = seen(1:2, :);
+  if camera.bearing
+    across = sqrt(sum(xy.^2, 1));
+    degrees = atan2(across, seen(3, :)) * 180 / pi;
+    xy = xy .* (degrees ./ max(across, realmin));
+  end
+end
+
+function draw_right_angle(target, observed)
+  if any(sum(observed.^2, 1) > 90^2)
+    turn = linspace(0, 2 * pi, 181);
+    plot(target, 90 * cos(turn), 90 * sin(turn), '--', 'color', [0.4, 0.4, 0.4], 'linewidth', 0.5);
+  end
+end
+
+% What was observed and a tenth more: predictions may be anywhere.
+function limits = box_around(xy)
+  low = min(xy, [], 2);
+  high = max(xy, [], 2);
+  margin = max(0.1 * max(high - low), eps(max(abs(xy(:)))) + realmin);
+  limits = [low(1) - margin, high(1) + margin, low(2) - margin, high(2) + margin];
+end

@@ -1,0 +1,73 @@
+% SPDX-License-Identifier: BSD-3-Clause
+% The engines of kelvane_batch: bits on real measurements, and what is said where an engine cannot be had.
+
+%!function problems = all_problems()
+%!  problems = {};
+%!  for set = {'chessboard', 'bal', 'bal_adjusted', 'castle', 'omni'}
+%!    for kind = {'pixel', 'chord'}
+%!      if ~strcmp([set{1}, kind{1}], 'omnipixel')
+%!        problems = [problems, num2cell(shared_problems(set{1}, kind{1}))];
+%!      end
+%!    end
+%!  end
+%!endfunction
+
+%!function folder = stand_ins(name)
+%!  folder = fullfile(fileparts(which('run_tests')), 'stand_ins', name);
+%!endfunction
+
+%!test  % where the package is missing the error says where to get it (before anything below loads it)
+%! warning('off', 'Octave:shadowed-function', 'local');
+%! addpath(stand_ins('no_packages'));
+%! restoring = onCleanup(@() rmpath(stand_ins('no_packages')));
+%! scene = noisy_scene([700 0 320; 0 700 240; 0 0 1], 1);
+%! problem = struct('start', scene.start, 'points', scene.points, 'observations', scene.pixels, 'intrinsics', scene.K);
+%! try
+%!   kelvane_batch(problem, 'Processes', 2, 'Progress', 'off');
+%!   caught = struct('identifier', 'none');
+%! catch caught
+%! end
+%! assert(caught.identifier, 'kelvane:noParallel');
+%! assert(~isempty(strfind(caught.message, 'octave-parallel')));
+
+%!test  % a pool of threads is refused, with the way out
+%! addpath(stand_ins('threads'));
+%! restoring = onCleanup(@() rmpath(stand_ins('threads')));
+%! scene = noisy_scene([700 0 320; 0 700 240; 0 0 1], 1);
+%! problem = struct('start', scene.start, 'points', scene.points, 'observations', scene.pixels, 'intrinsics', scene.K);
+%! fail('kelvane_batch(problem, ''Engine'', ''parfor'', ''Progress'', ''off'')', 'refuse MEX files');
+
+%!test  % two processes return the bits of one, on every real problem and in its place; errors as well
+%! if isempty(pkg('list', 'parallel'))
+%!   disp('skipped: Octave''s package parallel is not installed');
+%!   return;
+%! end
+%! problems = all_problems();
+%! if isempty(problems)
+%!   return;  % shared_problems has said so
+%! end
+%! problems{3}.points(2) = NaN;
+%! options = {'PoseFrame', 'world_from_camera', 'Progress', 'off'};
+%! one = kelvane_batch(problems, options{:});
+%! two = kelvane_batch(problems, 'Processes', 2, options{:});
+%! bits = @(row) {row.name, row.pose, row.info, row.error};
+%! assert(numel(one), 74);
+%! for k = 1:74
+%!   assert(isequal(bits(one(k)), bits(two(k))), problems{k}.name);
+%! end
+%! assert({one.name}, cellfun(@(p) p.name, problems, 'UniformOutput', false));
+%! assert(find(~cellfun(@isempty, {one.error})), 3);
+%! assert(all([one([1:2, 4:74]).exitflag] > 0));
+
+%!test  % the work is done in two other processes
+%! if isempty(pkg('list', 'parallel'))
+%!   disp('skipped: Octave''s package parallel is not installed');
+%!   return;
+%! end
+%! scene = noisy_scene([700 0 320; 0 700 240; 0 0 1], 1);
+%! problem = struct('start', scene.start, 'points', scene.points, 'observations', scene.pixels, 'intrinsics', scene.K);
+%! told = @(pose, values, state) error('kelvane:tests', 'process %d', getpid());
+%! results = kelvane_batch(repmat(problem, 1, 8), 'Processes', 2, 'Progress', 'off', 'OutputFcn', told);
+%! pids = unique({results.error});
+%! assert(numel(pids), 2);
+%! assert(~any(strcmp(pids, sprintf('process %d', getpid()))));

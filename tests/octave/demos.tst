@@ -1,0 +1,90 @@
+% SPDX-License-Identifier: BSD-3-Clause
+% kelvane_demo: every demo runs, finds what it says, and saves its pictures.
+
+%!function yes = can_draw()
+%!  yes = any(strcmp(available_graphics_toolkits(), 'gnuplot'));
+%!  if ~yes
+%!    disp('skipped: no gnuplot to draw with');
+%!  end
+%!endfunction
+
+%!function [text, names] = run_demo(name)  % what it prints, and the names of its pictures without the folder
+%!  folder = tempname();
+%!  confirm_recursive_rmdir(false, 'local');
+%!  removing = onCleanup(@() rmdir(folder, 's'));
+%!  text = evalc('files = kelvane_demo(name, folder);');
+%!  names = cellfun(@(file) file(numel(folder) + 2:end), files, 'UniformOutput', false);
+%!  for file = files
+%!    pixels = imread(file{1});
+%!    assert(size(pixels, 2) >= 900);
+%!    drawn = mean(pixels(:) < 250);
+%!    assert(drawn > 0.005 && drawn < 0.5, file{1});
+%!  end
+%!endfunction
+
+%!function rows = rows_of(text, first_words)  % the numbers in the lines that begin with a word
+%!  rows = [];
+%!  for line = strsplit(text, "\n")
+%!    if strncmp(strtrim(line{1}), first_words, numel(first_words))
+%!      rows(end + 1, :) = str2double(regexp(line{1}(numel(strtok(line{1})) + 1:end), '-?\d+\.?\d*(e[+-]\d+)?', 'match'));
+%!    end
+%!  end
+%!endfunction
+
+%!test  % chessboard
+%! if can_draw()
+%!   [~, names] = run_demo('chessboard');
+%!   assert(names, {'chessboard_all_types.png', 'chessboard_convergence.png', 'chessboard_corners.png'});
+%! end
+
+%!test  % outliers: the robust losses are near, the plain one is not
+%! if can_draw()
+%!   [text, names] = run_demo('outliers');
+%!   assert(names, {'outliers.png'});
+%!   assert(rows_of(text, 'none')(1:2) > [5, 5]);
+%!   for loss = {'huber', 'cauchy', 'tukey'}
+%!     row = rows_of(text, loss{1});
+%!     assert(row(1:2) < [0.1, 0.2] & abs(row(3) - 11) <= 2, loss{1});
+%!   end
+%! end
+
+%!test  % bearings: a third of the points is behind, and the errors are of the size that is told
+%! if can_draw()
+%!   [text, names] = run_demo('bearings');
+%!   assert(names, {'bearings.png'});
+%!   assert(~isempty(strfind(text, '30 of 90 points lie behind')));
+%!   assert(~isempty(strfind(text, 'Converged')));
+%!   off = rows_of(text, 'off the truth');
+%!   sigma = rows_of(text, 'standard deviation');
+%!   assert(numel(off), 6);
+%!   assert(all(abs(off) < 3.5 * sigma) && norm(off ./ sigma) > 0.5);
+%! end
+
+%!test  % colmap: every image is near its pose in the file, and the model of the demo is gone afterwards
+%! if can_draw()
+%!   before = getenv('TMPDIR');
+%!   own = tempname();
+%!   mkdir(own);
+%!   setenv('TMPDIR', own);
+%!   [text, names] = run_demo('colmap');
+%!   setenv('TMPDIR', before);
+%!   assert(rmdir(own));  % empty as before
+%!   assert(names, {'colmap.png'});
+%!   rows = rows_of(text, 'house_');
+%!   assert(size(rows), [12, 6]);
+%!   assert(all(rows(:, 2) > 5 & rows(:, 3) < 0.8));
+%!   assert(all(rows(:, 5) < 0.15 & rows(:, 6) < 0.3));
+%! end
+
+%!test  % types, by its name in any capitals, with the path left as it was
+%! if can_draw()
+%!   before = path();
+%!   rmpath(fileparts(which('chessboard_demo')));
+%!   without = path();
+%!   [text, names] = run_demo('TYPES');
+%!   after = path();
+%!   path(before);
+%!   assert(after, without);
+%!   assert(names, {'chessboard_all_types.png'});
+%!   assert(numel(strfind(text, 'least')) > 30);
+%! end

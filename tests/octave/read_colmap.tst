@@ -1,0 +1,127 @@
+% SPDX-License-Identifier: BSD-3-Clause
+% kelvane_read_colmap on broken files, on lenses and on the models beside the project.
+
+%!function texts = good_texts()
+%!  texts.cameras = sprintf('# list\n1 SIMPLE_PINHOLE 640 480 500 320 240\n');
+%!  texts.images = sprintf('# list\n1 1 0 0 0 0 0 2 1 a.jpg\n1 2 7 3 4 8\n');
+%!  texts.points3D = sprintf('# list\n7 1 2 3 0 0 0 0.5 1 0\n8 4 5 6 0 0 0 0.5 1 1\n');
+%!endfunction
+
+%!function message = message_with(file, text)  % of a model in which one file is replaced, without the folder
+%!  folder = tempname();
+%!  mkdir(folder);
+%!  confirm_recursive_rmdir(false, 'local');
+%!  removing = onCleanup(@() rmdir(folder, 's'));
+%!  texts = good_texts();
+%!  texts.(file) = text;
+%!  for name = fieldnames(texts)'
+%!    write_text(fullfile(folder, [name{1}, '.txt']), texts.(name{1}));
+%!  end
+%!  message = strrep(message_of(@() kelvane_read_colmap(folder)), [folder, filesep()], '');
+%!endfunction
+
+%!test  % broken lines are told with their file and number; blank lines and comments count as lines
+%! cases = {
+%!   'cameras', sprintf('\n1 OPENCV 640 480 500 500 320 240 0 0 0 0\n'), 'cameras.txt, line 2: camera 1 has the model OPENCV. Only'
+%!   'cameras', '1', 'cameras.txt, line 1: camera 1 has the model . Only'
+%!   'cameras', 'one PINHOLE 1 1', 'cameras.txt, line 1: ''one'' is not a number.'
+%!   'cameras', '1 PINHOLE 640 480 500 320 240', 'cameras.txt, line 1: a camera of model PINHOLE has width, height and 4 parameters; here are 5 numbers.'
+%!   'cameras', '1 SIMPLE_PINHOLE 640 480 5x0 320 240', 'cameras.txt, line 1: ''x0'' is not a number.'
+%!   'cameras', '1 SIMPLE_PINHOLE 640 480 NaN 320 240', 'cameras.txt, line 1: number 3 is not finite.'
+%!   'cameras', '1 SIMPLE_PINHOLE 640 480 -500 320 240', 'cameras.txt, line 1: the focal length is -500; it must be above 0.'
+%!   'cameras', sprintf('1 SIMPLE_PINHOLE 6 4 5 3 2\n# again\n1 SIMPLE_PINHOLE 6 4 5 3 2\n'), 'cameras.txt, line 3: there are two cameras 1.'
+%!   'cameras', '2 SIMPLE_PINHOLE 640 480 500 320 240', 'images.txt, line 2: image 1 has the camera 1, which is not in cameras.txt.'
+%!   'images', sprintf('\n\n1 1 0 0 0 0 0 2 1 a.jpg\n'), 'images.txt, line 3: the line with the pixels of this image is missing.'
+%!   'images', sprintf('1 1 0 0 0 0 0\n1 2 7\n'), 'images.txt, line 1: it ends after 7 of 9 numbers.'
+%!   'images', sprintf('1 1 0 0 0 0 zero 2 1 a.jpg\n1 2 7\n'), 'images.txt, line 1: ''zero'' is not a number.'
+%!   'images', sprintf('1 0 0 0 0 0 0 2 1 a.jpg\n1 2 7\n'), 'images.txt, line 1: the quaternion of image 1 has the length 0.'
+%!   'images', sprintf('1 1 0 0 0 0 0 2 1 a.jpg\n1 2 7 3\n'), 'images.txt, line 2: the pixels of image 1 come as X, Y and POINT3D_ID; here are 4 numbers.'
+%!   'images', sprintf('1 1 0 0 0 0 0 2 1 a.jpg\n1 2 7 3 4 9\n'), 'images.txt, line 2: image 1 has the point 9, which is not in points3D.txt.'
+%!   'images', sprintf('1 1 0 0 0 0 0 2 1 a\n\n1 1 0 0 0 0 0 2 1 b\n\n'), 'images.txt, line 3: there are two images 1.'
+%!   'points3D', sprintf('7 1 2 3 0 0 0 0.5 1 0\n\n8 4 5 6 0 0 0\n'), 'points3D.txt, line 3: a point has its id, X, Y, Z, R, G, B, an error and pairs of IMAGE_ID and POINT2D_IDX; here are 7 numbers.'
+%!   'points3D', sprintf('7 1 2 3 0 0 0 0.5 1\n'), 'points3D.txt, line 1: a point has its id, X, Y, Z, R, G, B, an error and pairs of IMAGE_ID and POINT2D_IDX; here are 9 numbers.'
+%!   'points3D', sprintf('7 1 2 3 0 0 0 0.5 1 0\n8 4 5 six 0 0 0 0.5 1 1\n'), 'points3D.txt, line 2: ''six'' is not a number.'
+%!   'points3D', sprintf('7 1 2 3 0 0 0 0\n\n8 4 5 6 0 0 0 0\n7 1 2 3 0 0 0 0\n'), 'points3D.txt, line 4: there are two points 7.'};
+%! for k = 1:size(cases, 1)
+%!   message = message_with(cases{k, 1:2});
+%!   assert(strncmp(message, cases{k, 3}, numel(cases{k, 3})), [message, ' instead of ', cases{k, 3}]);
+%! end
+%! assert(message_with('cameras', good_texts().cameras), '');
+
+%!test  % a binary model is told apart, with the command that turns it into text
+%! folder = tempname();
+%! mkdir(folder);
+%! confirm_recursive_rmdir(false, 'local');
+%! removing = onCleanup(@() rmdir(folder, 's'));
+%! write_text(fullfile(folder, 'cameras.bin'), 'x');
+%! assert(~isempty(strfind(message_of(@() kelvane_read_colmap(folder)), 'model_converter --input_path')));
+
+%!function [problem, text] = seen_through(camera, pixels)  % one image, each pixel with a point of its own
+%!  folder = tempname();
+%!  mkdir(folder);
+%!  confirm_recursive_rmdir(false, 'local');
+%!  removing = onCleanup(@() rmdir(folder, 's'));
+%!  n = size(pixels, 2);
+%!  write_text(fullfile(folder, 'cameras.txt'), camera);
+%!  write_text(fullfile(folder, 'images.txt'), sprintf('1 1 0 0 0 0 0 2 1 a.jpg\n%s\n', sprintf('%.17g %.17g %d ', [pixels; 1:n])));
+%!  write_text(fullfile(folder, 'points3D.txt'), sprintf('%d 1 2 3 0 0 0 0\n', 1:n));
+%!  text = evalc('problem = kelvane_read_colmap(folder);');
+%!endfunction
+
+%!test  % distortion is removed to the last digits: barrel, cushion, and coefficients of either sign
+%! [a, b] = meshgrid(linspace(-0.6, 0.6, 9), linspace(-0.45, 0.45, 7));
+%! x = [a(:)'; b(:)'];
+%! r2 = sum(x.^2);
+%! for k = [-0.2, 0.15, -0.5, 0.3, 0; 0, 0, 0.4, -0.2, 0.5]
+%!   pixels = 500 * x .* (1 + k(1) * r2 + k(2) * r2.^2) + [320; 240];
+%!   camera = sprintf('1 RADIAL 640 480 500 320 240 %.17g %.17g', k);
+%!   [problem, text] = seen_through(camera, pixels);
+%!   assert(problem.observations, 500 * x + [320; 240], 1e-10);
+%!   assert(isempty(text));
+%! end
+%! pixels = 500 * x .* (1 - 0.2 * r2) + [320; 240];
+%! problem = seen_through('1 SIMPLE_RADIAL 640 480 500 320 240 -0.2', pixels);
+%! assert(problem.observations, 500 * x + [320; 240], 1e-10);
+
+%!test  % what a lens cannot have seen is left out and told: with k = -1/3 the image ends at the radius 2/3
+%! camera = '1 SIMPLE_RADIAL 640 480 600 0 0 -0.33333333333333331';
+%! warning('off', 'kelvane:beyondLens', 'local');
+%! problem = seen_through(camera, [399 0 401; 0 0 0]);
+%! assert(problem.point_ids, [1, 2]);
+%! assert(problem.observations(:, 2), [0; 0]);
+%! r = problem.observations(1, 1) / 600;
+%! assert(r * (1 - r^2 / 3), 399 / 600, 1e-12);
+%! assert(r < 1 && size(problem.points, 2) == 2);
+%! warning('error', 'kelvane:beyondLens', 'local');
+%! fail('seen_through(camera, [399 0 401; 0 0 0])', 'a.jpg: 1 of 3 pixels lie beyond');
+
+%!function problems = shared_model(set)
+%!  project = fileparts(fileparts(fileparts(which('run_tests'))));
+%!  folder = fullfile(fileparts(project), 'shared', 'data', set, 'model_simple_pinhole');
+%!  problems = struct([]);
+%!  if exist(folder, 'dir')
+%!    problems = kelvane_read_colmap(folder);
+%!  else
+%!    fprintf('skipped: no model %s\n', set);
+%!  end
+%!endfunction
+
+%!test  % castle: refined, every image is at the optimum of its full digits, as near as three decimals of a pixel allow
+%! problems = shared_model('castle');
+%! known = shared_problems('castle', 'pixel');
+%! assert(numel(problems), numel(known));
+%! results = kelvane_batch(problems, 'Progress', 'off');
+%! for k = 1:numel(problems)
+%!   own = known(strcmp({known.name}, sprintf('castle %d', problems(k).id)));
+%!   assert(size(problems(k).points), size(own.points));
+%!   [turn, shift] = distance_from(own, results(k).pose);
+%!   assert(turn < 1e-6 && shift < 1e-6);
+%!   assert(results(k).exitflag > 0 && results(k).rms_after < results(k).rms_before);
+%! end
+
+%!test  % crane: 8 images, whose poses are already good
+%! problems = shared_model('crane');
+%! results = kelvane_batch(problems, 'Progress', 'off');
+%! assert(all([results.exitflag] > 0));
+%! assert(all([results.rms_after] > 0.5 & [results.rms_after] < 2));
+%! assert(isempty(problems) || numel(problems) == 8);

@@ -1,0 +1,48 @@
+% SPDX-License-Identifier: BSD-3-Clause
+% kelvane_build compiles the same sources as CMake, each with the same options.
+
+% File by file, what CMake would do, as a struct array with file and options. Warnings, folders and what every shared object
+% needs are left out.
+%!function compiled = by_cmake()
+%!  project = fileparts(fileparts(which('kelvane_build')));
+%!  work = tempname();
+%!  [status, said] = system(sprintf(['cmake -S "%s" -B "%s" -DKELVANE_BUILD_TESTS=OFF -DCMAKE_EXPORT_COMPILE_COMMANDS=ON ', ...
+%!                                   '2>&1'], project, work));
+%!  assert(status == 0, '%s', said);
+%!  commands = jsondecode(fileread(fullfile(work, 'compile_commands.json')));
+%!  confirm_recursive_rmdir(false, 'local');
+%!  rmdir(work, 's');
+%!  project = canonicalize_file_name(project);
+%!  compiled = struct('file', strrep({commands.file}, [project, '/'], ''), ...
+%!                    'options', cellfun(@(c) code_options(strsplit(c)), {commands.command}, 'UniformOutput', false));
+%!  compiled(strcmp({compiled.file}, 'fw_tools/Opencv_io_mat.cpp')) = [];  % is not in the module
+%!  compiled(endsWith({compiled.file}, 'all_in_one.cpp')) = [];            % for tools that read sources
+%!endfunction
+
+%!function options = code_options(words)
+%!  words = words(~cellfun(@isempty, regexp(words, '^-([fmOD]|std=)')));
+%!  options = sort(setdiff(words, {'-fPIC', '-Dkelvane_mex_octave_EXPORTS'}));
+%!endfunction
+
+%!test
+%! [~, calls] = kelvane_build('DryRun', true);
+%! expected = by_cmake();
+%! assert(numel(expected) > 20);
+%! files = cellfun(@(call) call{end}, calls(1:end - 1), 'UniformOutput', false);
+%! assert(sort(files), sort({expected.file}));
+%! for i = 1:numel(expected)
+%!   call = calls{strcmp(files, expected(i).file)};
+%!   assert([call(end), code_options(call)], [{expected(i).file}, expected(i).options]);
+%! end
+
+%!test  % MATLAB's mex takes the options of a file in a variable, and names the compiled file itself
+%! start = cd(fullfile(fileparts(which('kelvane_build')), 'private'));
+%! back = onCleanup(@() cd(start));
+%! sources = struct('file', {'a/one.cpp', 'b/two.cpp'}, 'options', {{'-O3', '-mavx2'}, {'-O3'}});
+%! opencv = struct('include', 'cv/include', 'library', 'cv/lib');
+%! calls = build_calls('matlab', sources, 'objects', opencv, {'-lz'});
+%! assert(calls{1}, {'-c', 'CXXFLAGS=$CXXFLAGS -O3 -mavx2', 'CXXOPTIMFLAGS=', '-R2017b', '-silent', '-outdir', 'objects', ...
+%!                   '-I.', '-Icv/include', 'a/one.cpp'});
+%! assert(calls{3}, {'-R2017b', '-silent', '-outdir', 'objects', '-output', 'kelvane_mex', ...
+%!                   'LDFLAGS=$LDFLAGS -Wl,-rpath,cv/lib', 'objects/one.o', 'objects/two.o', '-Lcv/lib', '-lopencv_core', '-lz'});
+%! fail('build_calls(''matlab'', sources([1, 1]), ''objects'', opencv, {})', 'Two sources have the same name');

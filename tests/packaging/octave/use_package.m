@@ -1,0 +1,20 @@
+% SPDX-License-Identifier: BSD-3-Clause
+% The installed package in use: loaded, its help, a refinement by each way in, news, and unloaded without a trace.
+function use_package()
+  before = path();
+  pkg('load', 'kelvane');
+  assert(exist('kelvane_mex'), 3);
+  text = get_help_text('kelvane_mex');
+  assert(strncmp(strtrim(text), 'KELVANE_MEX  Refine a camera pose', 33));
+  assert(~isempty(strfind(evalc('news kelvane'), 'Features')));
+  for section = pkg('describe', 'kelvane'){1}.provides
+    for name = section{1}.functions
+      assert(any(exist(name{1}) == [2, 3]), name{1});
+    end
+  end
+  refine_known_pose();
+  pkg('unload', 'kelvane');
+  assert(path(), before);
+  assert(exist('kelvane_mex'), 0);
+  assert(exist('kelvane_refine'), 0);
+end
