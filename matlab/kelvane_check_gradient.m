@@ -179,4 +179,5 @@ end
 
 %!error <Four points are the least> kelvane_check_gradient(some_pose(), eye(3), [500 0 0])
 %!error <one focal length and no skew> kelvane_check_gradient(some_pose(), some_points(), [5 0 0; 0 6 0; 0 0 1])
+%!error <one focal length and no skew> kelvane_check_gradient(some_pose(), some_points(), [5 1 0; 0 5 0; 0 0 1])
 %!error <predicts bearing vectors, but the observations are pixels> kelvane_check_gradient(some_pose(), some_points(), [5 0 0], 'RotationType', 10)

@@ -121,6 +121,13 @@ end
 %! assert(write('rotation_centre', 'camera_from_world'), {T(1:3, 1:3), [6; -5; -7]}, 8 * eps);
 %! assert(write('rotation_translation', 'camera_from_world'), {T(1:3, 1:3), [5; 6; 7]}, 8 * eps);
 
+%!test  % six printed digits of a matrix are enough, and the nearest rotation is taken; four are not
+%! R = turn([1 2 -3], 0.7);
+%! printed = @(digits) [round(R * 10^digits) / 10^digits, [1; 2; 3]];
+%! pose = kelvane_pose(printed(6), 'matrix3x4', 'world_from_camera');
+%! assert(pose.rotation' * pose.rotation, eye(3), 4 * eps);
+%! assert(pose.rotation, R, 1e-6);
+%! fail('kelvane_pose(printed(4), ''matrix3x4'', ''world_from_camera'')', 'is not a rotation');
 %!test  % five inputs convert at once, and classes other than double are taken
 %! value = kelvane_pose(single([0 0 0 1 2 3]), 'rotation_vector', 'world_from_camera', 'opencv');
 %! assert(value, {[0; 0; 0], [-1; -2; -3]});

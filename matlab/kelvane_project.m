@@ -95,7 +95,15 @@ end
 %! assert(kelvane_project(some_pose(), points, object), kelvane_project(some_pose(), points, some_matrix()), -1e-12);
 %! object.RadialDistortion = [0.1 0];
 %! fail('kelvane_project(some_pose(), points, object)', 'These intrinsics have lens distortion');
+%! object.RadialDistortion = [0 0];
+%! object.TangentialDistortion = [0 0.1];
+%! fail('kelvane_project(some_pose(), points, object)', 'These intrinsics have lens distortion');
 
+%!test  % a point behind the camera has a negative depth and the pixel of the line through it and the centre
+%! pose = kelvane_pose(eye(4), 'matrix4x4', 'camera_from_world');
+%! [pixels, ~, depth] = kelvane_project(pose, [1 -1; 2 -2; 4 -4], [100 10 20]);
+%! assert(pixels, [35 35; 70 70], 1e-12);
+%! assert(depth, [4 -4]);
 %!error <needs pose, points and intrinsics> kelvane_project(eye(4))
 %!error <K looks transposed> kelvane_project(some_pose(), [1;2;3], some_matrix()')
 %!error <upper triangular> kelvane_project(some_pose(), [1;2;3], ones(3))

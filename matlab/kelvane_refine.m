@@ -154,6 +154,15 @@ end
 %! assert(kelvane_project(pose, points, K), pixels, 1e-7);
 %! assert(kelvane_refine(near(truth), points', pixels', K).centre, pose.centre);
 
+%!test  % weights in every layout
+%! [points, K, pixels, truth] = scene();
+%! pixels = pixels + [3 -2 0 1 2 -1; 0 1 -3 2 -1 1];
+%! weighted = @(weights) kelvane_refine(near(truth), points, pixels, K, 'Weights', weights).centre;
+%! W = reshape(linspace(0.2, 3, 12), 2, 6);
+%! centre = weighted(W);
+%! assert(norm(centre - weighted(flip(W))) > 1e-6);
+%! assert({weighted(W'), weighted(W(:)), weighted(W(:)')}, {centre, centre, centre});
+%! assert({weighted(1:6), weighted((1:6)')}, {weighted([1:6; 1:6]), weighted([1:6; 1:6])});
 %!test  % names in any capitals, structs of options, and every name and number of a type
 %! [points, K, pixels, truth] = scene();
 %! for type = {0, 'AAU', 'rotation vector', 2, 'qu', 'Quaternion', -2}

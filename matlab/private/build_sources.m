@@ -4,7 +4,7 @@
 function sources = build_sources(project)
   main = cmake_text(project, 'CMakeLists.txt');
   common = common_options(project, main);
-  files = [{'kelvane_mex.cpp'}, words_of(main, 'add_library\(kelvane STATIC\s([^)]*)\)')];
+  files = [{'kelvane_mex.cpp'}, words_of(main, 'add_library\(kelvane \S+\s([^)]*)\)')];
   sources = sources_with(files, common);
   if ~isempty(strfind(main, 'kelvane_add_kernels('))
     text = cmake_text(project, 'cmake', 'KelvaneKernels.cmake');

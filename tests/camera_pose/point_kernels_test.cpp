@@ -170,6 +170,20 @@ TEST_P(PointKernels, ClearThePlacesBehindTheLastPointAndNoMore) {
   }
 }
 
+TEST_P(PointKernels, ClearThePixelRowsBehindALastPointInView) {
+  for (std::size_t num_points = 1; num_points < max_points; ++num_points) {
+    SCOPED_TRACE(num_points);
+    Random random(seed);
+    const Output rows = rows_of(GetParam(), Scene<3>(num_points, random), false);
+    for (std::size_t k = num_points; k < (num_points + 7) / 8 * 8; ++k) {
+      for (std::size_t c = 0; c < 7; ++c) {
+        EXPECT_EQ(rows.at(c, k, 0, 2), 0.0);
+        EXPECT_EQ(rows.at(c, k, 1, 2), 0.0);
+      }
+    }
+  }
+}
+
 TEST_P(PointKernels, GiveNothingFiniteAtDepthZero) {
   Random random(seed);
   Scene<3> scene(3, random);

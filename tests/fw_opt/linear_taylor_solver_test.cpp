@@ -77,6 +77,14 @@ TEST(LinearTaylorSolver, TakesPlainGaussNewtonSteps) {
   }
 }
 
+TEST(LinearTaylorSolver, SolvesAsManyEquationsAsUnknowns) {
+  const auto line = [](const Vector& x) { return Vector{2.0 * x[0] + x[1], x[0] - x[1]}; };
+  const auto slope = [](const Vector& /*x*/) { return Rows{{2.0, 1.0}, {1.0, -1.0}}; };
+  Linear_taylor_solver solver = solver_of(new support::Jacobian(line, slope), 2, 2);
+  const Step result = step(solver, {0.0, 0.0}, {5.0, 1.0}, 0);
+  EXPECT_TRUE(is_close(result.x, Vector{2.0, 1.0}, tolerance::identity));
+}
+
 TEST(LinearTaylorSolver, FindsTheMinimumWhenItIterates) {
   // The valley of Rosenbrock as residuals: 10 (y - x^2) and 1 - x.
   auto* valley = new support::Jacobian(

@@ -31,6 +31,16 @@
 %! lost = covariance(1, 'Loss', 'huber', 'LossScale', 1.50114) ./ covariance(1);
 %! assert(diag(lost), ones(6, 1) / 0.95, 1e-3);
 
+%!test  % with a loss the noise is that of the median, of one pixel here: 20 * 30 points leave 3 % to chance
+%! for loss = {'huber', 'cauchy', 'tukey'}
+%!   for seed = 20:-1:1
+%!     scene = noisy_scene([700 0 320; 0 700 240; 0 0 1], 40 + seed);
+%!     [~, info] = kelvane_refine(scene.start, scene.points, scene.pixels, scene.K, 'Loss', loss{1});
+%!     noise(seed) = info.noise_sigma;
+%!   end
+%!   assert(mean(noise), 1, 4 * 0.03);
+%! end
+
 %!test  % points on a line leave the camera free to turn about it: said, and told as infinite
 %! points = [0; 0; 5] + [1; 0.2; 0.1] * [-2, -1, 0, 1, 2];
 %! truth = kelvane_pose({eye(3), [0 0 0]}, 'rotation_centre', 'world_from_camera');

@@ -46,6 +46,10 @@
 %! pose = kelvane_refine(start, scene.points, scene.pixels, scene.K, 'MaxIterations', 0, 'PoseForm', 'quaternion_wxyz', ...
 %!                       'PoseFrame', 'camera_from_world');
 %! assert(pose, start);
+%! [pose, info] = kelvane_refine(start, scene.points, scene.pixels, scene.K, 'RotationType', 3, 'PoseForm', ...
+%!                               'quaternion_wxyz', 'PoseFrame', 'camera_from_world');
+%! assert(info.exitflag, -2);
+%! assert(pose, start);
 
 %!test  % where the world is, how it is turned and how large it is makes no difference, for any type
 %! scene = noisy_scene([700 0 320; 0 700 240; 0 0 1], 23);

@@ -47,11 +47,35 @@
 %! assert(flag_of('MaxIterations', 1), 0);
 %! assert(flag_of('OutputFcn', @(pose, values, state) values.iteration == 2), -1);
 %! assert(flag_of('RotationType', 3), -2);
+%! noisy = s.pixels;
+%! s.pixels = kelvane_project(s.truth, s.points, s.K);  % the cost comes down to nothing but rounding
+%! flag_of = @(varargin) getfield(nthargout(2, @() refined(s, varargin{:})), 'exitflag');
+%! assert(flag_of('StepTolerance', 0), 2);
+%! s.pixels = noisy;
 %! s.start = kelvane_pose({eye(3), [0; 0; -4]}, 'rotation_centre', 'world_from_camera');
 %! s.points(:, 1) = [1; 2; -4];  % beside the camera
 %! [pose, info] = refined(s);
 %! assert(info.exitflag, -3);
 %! assert(pose, s.start);
+
+%!test  % a stop that OutputFcn asks for in the iteration that converges does not hide that it did
+%! s = scene();
+%! [~, info] = refined(s);
+%! [~, stopped] = refined(s, 'OutputFcn', @(pose, values, state) values.iteration == info.iterations);
+%! assert([stopped.exitflag, stopped.iterations], [info.exitflag, info.iterations]);
+
+%!test  % every message
+%! s = scene();
+%! message_of = @(varargin) getfield(nthargout(2, @() refined(s, varargin{:})), 'message');
+%! assert(message_of('StepTolerance', 0), 'Converged: rounding hides any further decrease.');
+%! assert(message_of('FunctionTolerance', 0.1), 'Converged: the decrease is below FunctionTolerance = 0.1.');
+%! assert(message_of('OutputFcn', @(pose, values, state) true), 'Not converged: stopped by OutputFcn.');
+%! assert(message_of('RotationType', 3), 'Not converged: no part of the step lowers the cost.');
+%! s.start = kelvane_pose({eye(3), [0; 0; -4]}, 'rotation_centre', 'world_from_camera');
+%! s.points(:, 1) = [1; 2; -4];  % beside the camera
+%! [~, info] = refined(s);
+%! text = 'Not refined: at the start a point lies in the plane of the camera centre, and its prediction is not finite.';
+%! assert(info.message(1:numel(text)), text);
 
 %!test  % messages say why, and warn of points behind the camera
 %! s = scene();
