@@ -14,6 +14,9 @@ function(kelvane_add_mex target)
   target_include_directories(${target} SYSTEM PRIVATE ${arg_INCLUDES})
   target_link_libraries(${target} PRIVATE kelvane kelvane_compile_options ${arg_LIBRARIES})
   target_link_options(${target} PRIVATE "LINKER:--version-script=${exports}")
+  if(KELVANE_SELF_CONTAINED)
+    kelvane_make_self_contained(${target})
+  endif()
   add_custom_command(TARGET ${target} POST_BUILD
     COMMAND "${CMAKE_COMMAND}" -E copy_if_different
             "${PROJECT_SOURCE_DIR}/matlab/kelvane_mex.m" "${PROJECT_BINARY_DIR}/kelvane_mex.m")

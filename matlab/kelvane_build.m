@@ -9,7 +9,8 @@
 %
 %   Options:
 %     'OpenCV'       folder in which include/opencv4 or include, and lib, lib64 or lib/x86_64-linux-gnu hold the core of
-%                    OpenCV 3 or 4; by default /usr/local or /usr
+%                    OpenCV 3 or 4; by default /usr/local or /usr. With a static core alone, such as that of
+%                    scripts/opencv_core, the module is self-contained: it loads beside any other OpenCV and LAPACK
 %     'Output'       folder for the module, default that of this function, where it hides the help text kelvane_mex.m
 %     'LinkOptions'  cell of options for the linker, such as {'-lz', '-llapack'}: what a static OpenCV needs besides itself
 %     'Display'      'iter' (default): a line for each file; or 'off'
@@ -42,7 +43,13 @@ function [file, calls] = kelvane_build(varargin)
   hosts = {'matlab', 'octave'};
   host = hosts{1 + (exist('OCTAVE_VERSION', 'builtin') ~= 0)};
   objects = tempname();
-  calls = build_calls(host, build_sources(project), objects, find_opencv(options.OpenCV), options.LinkOptions);
+  opencv = find_opencv(options.OpenCV);
+  is_static = ~exist(fullfile(opencv.library, 'libopencv_core.so'), 'file');
+  [sources, opencv.flags] = build_sources(project, is_static);
+  if ~is_static
+    opencv.flags = {['-Wl,-rpath,', opencv.library]};
+  end
+  calls = build_calls(host, sources, objects, opencv, options.LinkOptions);
   name = ['kelvane_mex.', mexext()];
   file = fullfile(options.Output, name);
   if ~options.DryRun

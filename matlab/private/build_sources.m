@@ -1,7 +1,8 @@
 % SPDX-License-Identifier: BSD-3-Clause
 % The module's sources, each with the options that it is compiled with, as CMake's files in the folder project list them:
-% a 1 x N struct array with the fields file, relative to project, and options, words in a row.
-function sources = build_sources(project)
+% a 1 x N struct array with the fields file, relative to project, and options, words in a row. A self-contained module has
+% more of them, and flags for its linker, words in a row.
+function [sources, flags] = build_sources(project, is_self_contained)
   main = cmake_text(project, 'CMakeLists.txt');
   common = common_options(project, main);
   files = [{'kelvane_mex.cpp'}, words_of(main, 'add_library\(kelvane \S+\s([^)]*)\)')];
@@ -11,6 +12,16 @@ function sources = build_sources(project)
     for kernels = words_of(main, 'kelvane_add_kernels\(kelvane\s([^)]*)\)')
       sources = [sources, sources_of_kernels(text, kernels{1}, common)]; %#ok<AGROW>
     end
+  end
+  flags = {};
+  if is_self_contained
+    text = cmake_text(project, 'cmake', 'KelvaneSelfContained.cmake');
+    files = cellfun(@(words) words{1}, regexp(text, '"\$\{PROJECT_SOURCE_DIR\}/(self_contained/\w+\.cpp)"', 'tokens'), ...
+                    'UniformOutput', false);
+    sources = [sources, sources_with(files, common)];
+    flags = [words_of(text, 'target_link_options\(\$\{target\} PRIVATE\s([^)]*)\)'), ...
+             strcat('LINKER:--wrap=', words_of(text, 'foreach\(function IN ITEMS\s([^)]*)\)'))];
+    flags = strrep(flags, 'LINKER:', '-Wl,');
   end
 end
 

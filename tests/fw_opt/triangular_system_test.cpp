@@ -172,8 +172,7 @@ TEST(TriangularSystem, CutsWhereTheRoundingOfManyRowsLies) {
   }
 }
 
-TEST(TriangularSystem, CutsInAnyDirection) {
-  constexpr std::size_t num_rows = 1'000'000;  // so the limit lies far above the rounding of R
+void expect_cut_in_any_direction(std::size_t num_rows) {
   fw::Triangular_system system;
   for (std::uint64_t number = 0; number < 200; ++number) {
     Case which(seed + 3, number);
@@ -186,6 +185,28 @@ TEST(TriangularSystem, CutsInAnyDirection) {
     sigma[n / 2] = 0.99 * limit;
     EXPECT_LT(support::length_of(reduced(50, sigma, which.random).solution(system, num_rows)), 10.0);
   }
+}
+
+// The limit lies far above the rounding of R.
+TEST(TriangularSystem, CutsInAnyDirection) { expect_cut_in_any_direction(1'000'000); }
+
+// And here above what back-substitution could do with all its digits.
+TEST(TriangularSystem, CutsInAnyDirectionOfABillionRows) { expect_cut_in_any_direction(1'000'000'000); }
+
+TEST(TriangularSystem, IsSeenToBeSingularWhereTheDiagonalDoesNotTell) {
+  // Ones on the diagonal and minus ones above it: the entries of the inverse double with every row.
+  constexpr std::size_t n = 60;
+  Triangle triangle(n);
+  for (std::size_t i = 0; i < n; ++i) {
+    for (std::size_t j = i + 1; j < n; ++j) triangle.at(i, j) = -1.0;
+    triangle.at(i, i) = triangle.at(i, n) = 1.0;
+  }
+  const reference::Least_squares expected = triangle.reference(n);
+  EXPECT_EQ(expected.rank, n - 1);
+  fw::Triangular_system system;
+  const std::vector<double> dx = triangle.solution(system, n);
+  EXPECT_LE(support::distance_between(dx, expected.solution),
+            20.0 * eps * static_cast<double>(expected.condition) * support::length_of(dx));
 }
 
 TEST(TriangularSystem, OfOneUnknownIsDivided) {

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <limits>
 #include <vector>
 
 #include "fw_tools/rotation.h"
@@ -91,6 +92,12 @@ TEST(HalfTurnToAngleAxis, IsTakenForATraceWithin1e12OfMinusOneOnly) {
   EXPECT_EQ((Vector{general[0], general[1], general[2]}), (Vector{0, 0, 0}));
   EXPECT_LT(general[3], pi);
   EXPECT_TRUE(std::isnan(fw::rot_mat_to_ang_axis_rad(with_trace_raised(-1.2e-12))[3]));  // beyond the arc cosine
+}
+
+TEST(HalfTurnToAngleAxis, IsTakenForATraceThatIsNoNumber) {
+  constexpr double nan = std::numeric_limits<double>::quiet_NaN();
+  const Vector a = fw::rot_mat_to_ang_axis_rad(matrix_of({{1, 0, 0}, {0, nan, 0}, {0, 0, -1}}));
+  EXPECT_EQ((Vector{a[0], a[2], a[3]}), (Vector{1, 0, pi}));
 }
 
 TEST(MatrixToQuaternion, OfTheIdentityHasTheScalarLast) {

@@ -81,6 +81,9 @@ TEST(EnforceAngleAxis, TakesASquaredLengthOf1e16AsWithoutADirection) {
   const double below = std::nextafter(length, 0);
   ASSERT_LE(below * below, 1e-16);
   EXPECT_EQ(enforced({below, 0, 1}), (Vector{below * 1e-16, 0, 1}));
+  const Vector equal = {6e-9, 8e-9};
+  ASSERT_EQ(equal[0] * equal[0] + equal[1] * equal[1], 1e-16);
+  EXPECT_EQ(enforced({equal[0], equal[1], 1}), (Vector{equal[0] * 1e-16, equal[1] * 1e-16, 1}));
   const double above = 1.0000001e-8;
   EXPECT_TRUE(is_close(enforced({above, 0, 1}), Vector{1, 0, 1}, tolerance::identity));
 }

@@ -26,6 +26,7 @@
 
 %!test
 %! [~, calls] = kelvane_build('DryRun', true);
+%! assert(any(strncmp(calls{end}, '-Wl,-rpath', 10)));
 %! expected = by_cmake();
 %! assert(numel(expected) > 20);
 %! files = cellfun(@(call) call{end}, calls(1:end - 1), 'UniformOutput', false);
@@ -35,14 +36,31 @@
 %!   assert([call(end), code_options(call)], [{expected(i).file}, expected(i).options]);
 %! end
 
+%!test  % beside a static core the module is self-contained
+%! folder = tempname();
+%! mkdir(folder), mkdir(fullfile(folder, 'include', 'opencv4', 'opencv2')), mkdir(fullfile(folder, 'lib'));
+%! confirm_recursive_rmdir(false, 'local');
+%! remove = onCleanup(@() rmdir(folder, 's'));
+%! for name = {'include/opencv4/opencv2/core.hpp', 'lib/libopencv_core.a'}
+%!   fclose(fopen(fullfile(folder, name{1}), 'w'));
+%! end
+%! [~, calls] = kelvane_build('DryRun', true, 'OpenCV', folder);
+%! files = cellfun(@(call) call{end}, calls(1:end - 1), 'UniformOutput', false);
+%! own = {'self_contained/old_glibc.cpp', 'self_contained/old_libstdcxx.cpp'};
+%! assert(sort(files(strncmp(files, 'self_contained', 14))), own);
+%! flags = {'--gc-sections', '--strip-all', '-z,nodelete', '--wrap=pow', '--wrap=pthread_key_create'};
+%! assert(all(ismember(strcat('-Wl,', flags), calls{end})));
+%! assert(~any(strncmp(calls{end}, '-Wl,-rpath', 10)));
+
 %!test  % MATLAB's mex takes the options of a file in a variable, and names the compiled file itself
 %! start = cd(fullfile(fileparts(which('kelvane_build')), 'private'));
 %! back = onCleanup(@() cd(start));
 %! sources = struct('file', {'a/one.cpp', 'b/two.cpp'}, 'options', {{'-O3', '-mavx2'}, {'-O3'}});
-%! opencv = struct('include', 'cv/include', 'library', 'cv/lib');
+%! opencv = struct('include', 'cv/include', 'library', 'cv/lib', 'flags', {{'-Wl,-rpath,cv/lib', '-Wl,--wrap=pow'}});
 %! calls = build_calls('matlab', sources, 'objects', opencv, {'-lz'});
 %! assert(calls{1}, {'-c', 'CXXFLAGS=$CXXFLAGS -O3 -mavx2', 'CXXOPTIMFLAGS=', '-R2017b', '-silent', '-outdir', 'objects', ...
 %!                   '-I.', '-Icv/include', 'a/one.cpp'});
 %! assert(calls{3}, {'-R2017b', '-silent', '-outdir', 'objects', '-output', 'kelvane_mex', ...
-%!                   'LDFLAGS=$LDFLAGS -Wl,-rpath,cv/lib', 'objects/one.o', 'objects/two.o', '-Lcv/lib', '-lopencv_core', '-lz'});
+%!                   'LDFLAGS=$LDFLAGS -Wl,-rpath,cv/lib -Wl,--wrap=pow', ...
+%!                   'objects/one.o', 'objects/two.o', '-Lcv/lib', '-lopencv_core', '-lz'});
 %! fail('build_calls(''matlab'', sources([1, 1]), ''objects'', opencv, {})', 'Two sources have the same name');
