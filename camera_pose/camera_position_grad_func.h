@@ -33,6 +33,7 @@ class Camera_position_grad_func : public fw::Grad_func, private fw::Packed_jacob
   /// The same with points that others evaluate as well.
   Camera_position_grad_func(std::shared_ptr<const Packed_points> points, const Intrinsics& intrinsics,
                             fw::Opt_func* base) noexcept;
+  /// Shares the points; takes over neither weights nor base function.
   Camera_position_grad_func(const Camera_position_grad_func&) = default;
   Camera_position_grad_func& operator=(const Camera_position_grad_func&) = delete;
 
@@ -41,16 +42,17 @@ class Camera_position_grad_func : public fw::Grad_func, private fw::Packed_jacob
   const fw::Packed_jacobian* packed() const override { return this; }
 
  protected:
-  std::shared_ptr<const Packed_points> points;
-  Intrinsics intrinsics;
+  std::shared_ptr<const Packed_points> points;  ///< N points, world frame and units
+  Intrinsics intrinsics;                        ///< all of K as it was given, pixels
 };
 
-/// What the classes differ in: the model of the rotation, and the rotation type.
+/// What the classes differ in: the model of the rotation with its n_r entries (3 or 4), and the rotation type. Pixel
+/// rows follow docs/derivations.md, Eqs. 21 and 22, bearing rows Eq. 23.
 template <std::size_t n_r, Rotation_model<n_r> (*model)(const double*), int rotation_type>
 class Camera_position_grad_func_of : public Camera_position_grad_func {
  public:
   using Camera_position_grad_func::Camera_position_grad_func;
-  /// What is constant over the points at x.
+  /// What is constant over the points at x, n_r + 3 entries: the rotation, then the camera centre.
   Projection<n_r> projection_at(const double* x) const;
 
  private:
@@ -63,27 +65,30 @@ class Camera_position_grad_func_of : public Camera_position_grad_func {
   bool predicts_base_at(const std::vector<double>& x) const override;
 };
 
-/// Rotation type 0: columns r1, r2, r3, t1, t2, t3. The Jacobian at r = 0 is the one at r = (1e-9, 1e-9, 1e-9).
+/// Rotation type 0 (docs/derivations.md, Eqs. 8 to 11): columns r1, r2, r3, t1, t2, t3. The Jacobian at r = 0 is the
+/// one at r = (1e-9, 1e-9, 1e-9).
 class Camera_position_grad_func_aau : public Camera_position_grad_func_of<3, rotation_vector_model, 0> {
  public:
   using Camera_position_grad_func_of::Camera_position_grad_func_of;
 };
 
-/// Rotation type 1: columns a1, a2, a3, angle, t1, t2, t3. A zero axis gives NaN.
+/// Rotation type 1 (docs/derivations.md, Eqs. 12 to 14): columns a1, a2, a3, angle, t1, t2, t3. A zero axis gives NaN.
 class Camera_position_grad_func_aan : public Camera_position_grad_func_of<4, angle_axis_model, 1> {
  public:
   using Camera_position_grad_func_of::Camera_position_grad_func_of;
 };
 
-/// Rotation type 2: columns q0 to q3 (scalar last), t1, t2, t3; independent of the quaternion's length. A zero vector
-/// part is replaced by (1e-9, 1e-9, 1e-9), whatever the scalar part.
+/// Rotation type 2 (docs/derivations.md, Eqs. 15 and 16): columns q0 to q3 (scalar last), t1, t2, t3. The prediction
+/// does not depend on the quaternion's length. A zero vector part is replaced by (1e-9, 1e-9, 1e-9), whatever the
+/// scalar part.
 class Camera_position_grad_func_qu : public Camera_position_grad_func_of<4, quaternion_model, 2> {
  public:
   using Camera_position_grad_func_of::Camera_position_grad_func_of;
 };
 
-/// Rotation type 3: columns as type 2. The quaternion is taken as of unit length, and its entries enter the diagonal of
-/// the rotation unsquared, so this is not the derivative of the prediction of type 3.
+/// Rotation type 3 (docs/derivations.md, Eqs. 17 and 18): columns as type 2. The quaternion is taken as of unit length,
+/// and its entries enter the diagonal of the rotation unsquared, so this is not the derivative of the prediction of
+/// type 3.
 class Camera_position_grad_func_qn : public Camera_position_grad_func_of<4, unit_quaternion_model, 3> {
  public:
   using Camera_position_grad_func_of::Camera_position_grad_func_of;

@@ -30,6 +30,7 @@ class Camera_position_grad_func_hybrid : public fw::Grad_func, private fw::Packe
   /// The same with points that others evaluate as well.
   Camera_position_grad_func_hybrid(const std::shared_ptr<const Packed_points>& points, const Intrinsics& intrinsics,
                                    fw::Opt_func* base) noexcept;
+  /// Shares the points; takes over neither weights nor base function.
   Camera_position_grad_func_hybrid(const Camera_position_grad_func_hybrid&) = default;
   Camera_position_grad_func_hybrid& operator=(const Camera_position_grad_func_hybrid&) = delete;
 
@@ -37,15 +38,17 @@ class Camera_position_grad_func_hybrid : public fw::Grad_func, private fw::Packe
   const fw::Packed_jacobian* packed() const override { return this; }
 
  protected:
+  /// N items of 2 outputs, stacked three times.
   fw::Packed_layout layout() const override { return {points->size(), 2, 3}; }
+  /// Gives the sink the 6 N rows of three projections that are differentiated by the same n_r + 3 entries.
   template <std::size_t n_r>
   void write_blocks(const Projection<n_r>& block_1, const Projection<n_r>& block_2, const Projection<n_r>& block_3,
                     fw::Row_sink& sink) const;
 
-  std::shared_ptr<const Packed_points> points;
-  Camera_position_grad_func_aau aau;
-  Camera_position_grad_func_aan aan;
-  Camera_position_grad_func_qu qu;
+  std::shared_ptr<const Packed_points> points;  ///< N points, world frame and units
+  Camera_position_grad_func_aau aau;            ///< the block through rotation vectors
+  Camera_position_grad_func_aan aan;            ///< the block through axis and angle
+  Camera_position_grad_func_qu qu;              ///< the block through quaternions
 };
 
 /// Rotation type -1: columns of qu; blocks qu, aau, aan.

@@ -17,9 +17,9 @@
 ///
 /// The search vector is the rotation (3 entries for types 0, 10 and -2, 4 for the others) followed by the camera centre
 /// t in world coordinates; further entries are ignored. R maps the camera frame to the world: a point X has the
-/// camera-frame coordinates R' (X - t). Pixel types predict (u, v) through K, bearing types (10, 11, 12) the
-/// camera-frame vector itself, not scaled to unit length; hybrid types (-1, -2, -3) repeat the pixels of all points
-/// three times. Within a block the order is point by point.
+/// camera-frame coordinates R' (X - t). Pixel types predict (u, v) through K (docs/derivations.md, Eq. 5), bearing
+/// types (10, 11, 12) the camera-frame vector itself, not scaled to unit length; hybrid types (-1, -2, -3) repeat the
+/// pixels of all points three times. Within a block the order is point by point.
 class Camera_position_opt_func : public fw::Opt_func, private fw::Packed_function {
  public:
   /// Points of 3 coordinates each (world units), K 3 by 3 (pixels). Nothing is checked here.
@@ -28,6 +28,7 @@ class Camera_position_opt_func : public fw::Opt_func, private fw::Packed_functio
   /// The same with points that others evaluate as well.
   Camera_position_opt_func(std::shared_ptr<const Packed_points> points, const Intrinsics& intrinsics,
                            int rotation_type) noexcept;
+  /// Shares the points; takes over no weights.
   Camera_position_opt_func(const Camera_position_opt_func&) = default;
   Camera_position_opt_func& operator=(const Camera_position_opt_func&) = delete;
 

@@ -8,16 +8,18 @@
 
 /// The intrinsics that Jacobians differentiate: [f 0 cx; 0 f cy; 0 0 1].
 struct Simple_intrinsics {
-  double f, cx, cy;
+  double f;   ///< focal length of both axes, pixels
+  double cx;  ///< principal point, pixels to the right
+  double cy;  ///< principal point, pixels down
 };
 
 /// M = K R' and its derivatives by the n_r rotation parameters, and the camera centre t: a point X has the numerators
 /// and the depth M (X - t) (docs/derivations.md, Eqs. 19 and 20).
 template <std::size_t n_r>
 struct Projection {
-  double M[3][3];
-  double dM[n_r][3][3];
-  double t[3];
+  double M[3][3];        ///< K R', pixels
+  double dM[n_r][3][3];  ///< dM[j] = dM / dr_j
+  double t[3];           ///< camera centre, world frame and units
 };
 
 namespace projection_detail {
@@ -33,6 +35,8 @@ inline void project(const Simple_intrinsics& K, const double (&R)[3][3], double 
 
 }  // namespace projection_detail
 
+/// The projection of a camera with the rotation R (camera to world) and the centre t, 3 world coordinates
+/// (docs/derivations.md, Eq. 19).
 template <std::size_t n_r>
 Projection<n_r> make_projection(const Simple_intrinsics& K, const Rotation_model<n_r>& rotation, const double* t) {
   Projection<n_r> projection;

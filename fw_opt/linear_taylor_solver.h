@@ -23,6 +23,7 @@ namespace fw {
 class Linear_taylor_solver : public Solver {
  public:
   using Solver::optimise;
+  /// As Solver::optimise: x0 has num_dimensions entries, the target num_equations.
   std::vector<double> optimise(const std::vector<double>& x0, const std::vector<double>& target) override;
 
   /// Makes the next iteration the first of a run.
@@ -36,6 +37,7 @@ class Linear_taylor_solver : public Solver {
   void inner_optimise(const std::vector<double>& x0, const std::vector<double>& target, std::vector<double>& x_out,
                       double& err, int iter) override;
 
+  /// One iteration, no function; everything else is set as in Solver.
   Linear_taylor_solver();
   /// Copies the settings and shares the functions; the caches of the copy start empty.
   Linear_taylor_solver(const Linear_taylor_solver& source);

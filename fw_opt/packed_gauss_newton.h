@@ -19,7 +19,9 @@ class Packed_gauss_newton {
   /// Whether the solver holds such a case. Otherwise the iterations have to go through the published operators, which
   /// also report what is wrong.
   bool begin(const Solver& solver, const std::vector<double>& target);
+  /// Whether a run has begun and not ended.
   bool is_active() const { return function_ != nullptr; }
+  /// Ends the run.
   void end() { function_ = nullptr; }
   /// Where the last iteration ended; empty when none did.
   const std::vector<double>& last_point() const { return last_point_; }

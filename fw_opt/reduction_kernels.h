@@ -8,6 +8,7 @@
 
 namespace fw {
 
+/// The loops over the rows of a system, for one instruction set.
 struct Reduction_kernels {
   /// Reduces a block of rows to a triangle by Householder reflections (docs/derivations.md, Eqs. 32 to 35). The block
   /// has n columns of J and one of b, each num_rows long (a multiple of 8) and aligned to a cache line, column c at

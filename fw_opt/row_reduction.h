@@ -16,6 +16,7 @@ namespace fw {
 /// next. Memory is kept from one system to the next.
 class Row_reduction final : public Row_sink {
  public:
+  /// With the kernels of a set, which must be available.
   explicit Row_reduction(Instruction_set set = best_instruction_set())
       : Row_sink(nullptr, 0), kernels_(&reduction_kernels(set)) {}
 

@@ -15,7 +15,9 @@ namespace fw {
 template <typename Function>
 class Shared_functions {
  public:
+  /// Empty.
   Shared_functions() = default;
+  /// Shares the ownership.
   Shared_functions(const Shared_functions&) = default;
   /// Deletes what this list alone owned. When an allocation fails, nothing has changed.
   Shared_functions& operator=(const Shared_functions& source) {
@@ -24,6 +26,7 @@ class Shared_functions {
     owners.swap(copy.owners);
     return *this;
   }
+  /// Deletes what no other list owns.
   ~Shared_functions() { delete_all(); }
 
   /// Replaces the list and deletes nothing: a function that drops out and has no other owner is the caller's again.
@@ -35,6 +38,7 @@ class Shared_functions {
   /// Gives up the ownership, entry by entry in order.
   void delete_all();
 
+  /// The pointers as they were set.
   const std::vector<Function*>& get() const { return list; }
 
  private:

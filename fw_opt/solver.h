@@ -33,6 +33,7 @@ class Solver {
   /// does not have num_equations entries; errors from inside the loop get the context of line 80.
   virtual std::vector<double> optimise(const std::vector<double>& x0, const std::vector<double>& target);
 
+  /// Deletes the functions that no copy shares.
   virtual ~Solver();
 
   /// Forgets everything that belongs to a run; called at the start of each.
@@ -43,35 +44,52 @@ class Solver {
   virtual void inner_optimise(const std::vector<double>& x0, const std::vector<double>& target,
                               std::vector<double>& x_out, double& err, int iter) = 0;
 
+  /// No functions, no dimensions, no equations, one iteration.
   Solver();
+  /// Takes over every setting and shares the functions.
   Solver(const Solver& source);
   /// Takes over every setting and shares the functions; those that this solver alone owned are deleted.
   Solver& operator=(const Solver& source);
 
+  /// The length of the search vector x.
   void set_num_dimensions(int value) { num_dimensions = value; }
+  /// As set; 0 at first.
   int get_num_dimensions() const { return num_dimensions; }
+  /// The length of the target, and of the values of all functions together.
   void set_num_equations(int value) { num_equations = value; }
+  /// As set; 0 at first.
   int get_num_equations() const { return num_equations; }
+  /// How many iterations a run may make.
   void set_max_iters(int value) { max_iters = value; }
+  /// As set; 1 at first.
   int get_max_iters() const { return max_iters; }
+  /// The L1 distance of points, in the units of x, below which a run stops. 0 or less: never.
   void set_min_x_step(float value) { min_x_step = value; }
+  /// As set; 0 at first.
   float get_min_x_step() const { return min_x_step; }
+  /// The decrease of the squared error, in squared units of the target, below which a run stops. A negative one lets
+  /// the error grow by as much.
   void set_min_y_step(float value) { min_y_step = value; }
+  /// As set; -100000 at first.
   float get_min_y_step() const { return min_y_step; }
-  /// Damps the steps after the first.
+  /// Whether the step of iteration i, from 0, is multiplied by 2 / (i + 2); the first one is whole.
   void set_decreasing_step_size(bool value) { decreasing_step_size = value; }
 
-  /// The objectives to differentiate by finite differences.
+  /// The objectives to differentiate by forward differences. The solver owns them from now on.
   void set_funcs(const std::vector<Opt_func*>& value) { funcs.set(value); }
+  /// As set.
   const std::vector<Opt_func*>& get_funcs() const { return funcs.get(); }
-  /// The functions with a Jacobian of their own.
+  /// The Jacobians, each with its base function. The solver owns them from now on.
   void set_grad_funcs(const std::vector<Grad_func*>& value) { grad_funcs.set(value); }
+  /// As set.
   const std::vector<Grad_func*>& get_grad_funcs() const { return grad_funcs.get(); }
-  /// One vector of steps (one step per parameter) for each objective.
+  /// One vector of steps (one for each entry of x, in its units) for each objective.
   void set_finite_difference_steps(const std::vector<std::vector<double>>& value) { finite_difference_steps = value; }
+  /// As set.
   const std::vector<std::vector<double>>& get_finite_difference_steps() const { return finite_difference_steps; }
 
  protected:
+  /// As set; no at first.
   bool has_decreasing_step_size() const { return decreasing_step_size; }
 
  private:

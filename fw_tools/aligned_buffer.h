@@ -8,12 +8,14 @@
 
 namespace fw {
 
-inline constexpr std::size_t cache_line = 64;  // bytes; as long as the widest vector
+inline constexpr std::size_t cache_line = 64;  ///< bytes; as long as the widest vector
 
 /// An array of doubles whose content is rubbish until it is written.
 class Aligned_buffer {
  public:
+  /// No memory.
   Aligned_buffer() = default;
+  /// Room for `size` doubles.
   explicit Aligned_buffer(std::size_t size) { resize(size); }
 
   /// The content is rubbish afterwards. Memory is given back only at the end.
@@ -30,12 +32,18 @@ class Aligned_buffer {
     size_ = size;
   }
 
+  /// Whether the size is 0.
   bool empty() const { return size_ == 0; }
+  /// Doubles, as last asked for.
   std::size_t size() const { return size_; }
+  /// The first double, on a cache line; null while there has been no memory.
   double* data() { return data_; }
+  /// The first double, on a cache line; null while there has been no memory.
   const double* data() const { return data_; }
+  /// Double i, not checked.
   // NOLINTNEXTLINE(clang-analyzer-core.uninitialized.UndefReturn): i is below the size, so there is memory
   double& operator[](std::size_t i) { return data_[i]; }
+  /// Double i, not checked.
   double operator[](std::size_t i) const { return data_[i]; }
 
  private:
@@ -49,6 +57,7 @@ class Aligned_buffer {
 template <std::size_t usual>
 class Small_buffer {
  public:
+  /// Room for the usual number.
   Small_buffer() = default;
   Small_buffer(const Small_buffer&) = delete;
   Small_buffer& operator=(const Small_buffer&) = delete;
@@ -59,9 +68,13 @@ class Small_buffer {
     data_ = size > usual ? more_.data() : usual_;
   }
 
+  /// The first double, on a cache line.
   double* data() { return data_; }
+  /// The first double, on a cache line.
   const double* data() const { return data_; }
+  /// Double i, not checked.
   double& operator[](std::size_t i) { return data_[i]; }
+  /// Double i, not checked.
   double operator[](std::size_t i) const { return data_[i]; }
 
  private:

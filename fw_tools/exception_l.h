@@ -17,10 +17,14 @@ class exception_l : public std::exception {
   /// The whole report; valid as long as this exception or a copy of it lives.
   const char* what() const noexcept override;
 
+  /// The whole text of a report and its level.
   exception_l(const std::string& message, int level);
+  /// Shares the text.
   exception_l(const exception_l&) noexcept = default;
+  /// Shares the text.
   exception_l& operator=(const exception_l&) noexcept = default;
 
+  /// How many callers have added context since the fault, or since an exception of another library was caught.
   int get_level() const noexcept { return level_; }
 
  private:

@@ -5,8 +5,13 @@
 namespace fw {
 
 /// Each one has a variant of every kernel; all variants give the same bits.
-enum class Instruction_set { sse2, avx2, avx512 };
+enum class Instruction_set {
+  sse2,   ///< two doubles at a time; on every 64-bit x86
+  avx2,   ///< four
+  avx512  ///< eight
+};
 
+/// All of them, narrowest first.
 inline constexpr Instruction_set instruction_sets[] = {Instruction_set::sse2, Instruction_set::avx2,
                                                        Instruction_set::avx512};
 

@@ -26,9 +26,11 @@ class matrix {
  public:
   virtual ~matrix() { clear(); }
 
+  /// The empty matrix.
   matrix() = default;
   /// A matrix of default values; raises what set_size() raises.
   matrix(int num_rows, int num_columns) { set_size(num_rows, num_columns); }
+  /// The same elements in memory of its own.
   matrix(const matrix& source) { *this = source; }
   /// Leaves the source empty.
   matrix(matrix&& source) noexcept
@@ -43,29 +45,38 @@ class matrix {
   /// Raises "matrix::set_size() : tried to set size to ..." (fw_tools/matrix.h, 210) when a dimension is negative; the
   /// matrix is then empty.
   void set_size(int num_rows, int num_columns);
+  /// Makes it the empty matrix.
   void clear();
 
+  /// The number of rows.
   int get_dim1() const { return static_cast<int>(dim1); }
+  /// The number of columns.
   int get_dim2() const { return static_cast<int>(dim2); }
 
+  /// Element (row, column).
   T& get(unsigned int row, unsigned int column) { return rows[row][column]; }
+  /// Element (row, column).
   const T& get(unsigned int row, unsigned int column) const { return rows[row][column]; }
+  /// Overwrites element (row, column).
   void set(unsigned int row, unsigned int column, T value) { rows[row][column] = value; }
   /// The first element of a row, so that m[i][j] is element (i, j).
   T* operator[](unsigned int row) { return rows[row].get(); }
+  /// The first element of a row.
   const T* operator[](unsigned int row) const { return rows[row].get(); }
 
+  /// The matrix with element (j, i) in place of (i, j).
   matrix transpose() const;
   /// The product; the right operand must have at least as many rows as this matrix has columns. `a *= a` is correct.
   matrix& operator*=(const matrix& right);
+  /// The product, as by operator*=.
   const matrix operator*(const matrix& right) const;
   /// The sum of element (i, i) over the rows, which must not outnumber the columns; 0 for an empty matrix.
   T trace() const;
 
  protected:
-  unsigned int dim1 = 0;
-  unsigned int dim2 = 0;
-  std::unique_ptr<std::unique_ptr<T[]>[]> rows;  // null exactly when the matrix is empty
+  unsigned int dim1 = 0;                         ///< rows
+  unsigned int dim2 = 0;                         ///< columns
+  std::unique_ptr<std::unique_ptr<T[]>[]> rows;  ///< row by row; null exactly when the matrix is empty
 };
 
 /// Writes the row count, a tab, the column count and a line end, then each row on a line, a tab after every element.

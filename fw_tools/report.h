@@ -8,14 +8,15 @@
 
 #include "fw_tools/exception_l.h"
 
+/// The toolkit (folder fw_tools) and the optimisation framework (fw_opt).
 namespace fw {
 
 /// The source position that a report cites. All three are published text that users search for, so they are constants
 /// and stay the same wherever the code moves.
 struct Site {
-  const char* file;
-  int line;
-  const char* signature;
+  const char* file;       ///< path of a source file, as published
+  int line;               ///< of that file, as published
+  const char* signature;  ///< of the function, as the compiler spells it
 };
 
 /// An empty stream in the classic locale: the digits of a report do not depend on the locale of the host process.
@@ -29,10 +30,12 @@ std::string text(const Values&... values) {
   return stream.str();
 }
 
-/// Throws a level-0 report:
+/// Throws a level-0 report, an exception_l of three lines:
+///
 ///     file(line)
 ///     signature
 ///     Details: details
+///
 [[noreturn, gnu::cold, gnu::noinline]] void raise(const Site& site, const std::string& details);
 
 /// Throws `caught` again, one level higher, below a block of the same three lines that is indented by one tab for each

@@ -2,10 +2,10 @@
 // Conversions between rotation matrices, angle-axis, rotation vectors and quaternions.
 //
 // Layouts (angles in radians):
-//   rotation matrix  3 by 3, maps a point p to R p
-//   angle-axis       (x, y, z, angle), axis first
-//   rotation vector  axis times angle
-//   quaternion       (x, y, z, w), scalar last, of any length but zero
+// - rotation matrix: 3 by 3, maps a point p to R p
+// - angle-axis: (x, y, z, angle), axis first
+// - rotation vector: axis times angle
+// - quaternion: (x, y, z, w), scalar last, of any length but zero
 #pragma once
 
 #include <algorithm>
@@ -23,7 +23,7 @@ namespace fw {
 template <typename T>
 const std::vector<T> rot_mat_to_ang_axis_rad(const matrix<T>& R);
 
-/// Rotation vector of a rotation matrix, by way of its angle-axis.
+/// Rotation vector of a rotation matrix, by way of its angle-axis (docs/derivations.md, Eqs. 6 and 4).
 template <typename T>
 const std::vector<T> rot_mat_to_rot_vec_rad(const matrix<T>& R);
 
@@ -32,7 +32,8 @@ const std::vector<T> rot_mat_to_rot_vec_rad(const matrix<T>& R);
 template <typename T>
 std::vector<T> rot_mat_to_quaternion(matrix<T> R);
 
-/// Appends the length of v as the angle and divides v by it; a zero vector gives zeros. Any length.
+/// Angle-axis of a rotation vector (docs/derivations.md, Eq. 4): appends the length of v as the angle and divides v by
+/// it; a zero vector gives zeros. v may have any number of elements.
 template <typename T>
 const std::vector<T> rot_vec_to_ang_axis(const std::vector<T>& v);
 
@@ -41,7 +42,8 @@ const std::vector<T> rot_vec_to_ang_axis(const std::vector<T>& v);
 template <typename T>
 void enforce_ang_axis(std::vector<T>& a);
 
-/// The unit axis of a times its angle; any length from 2.
+/// Rotation vector of an angle-axis: the unit axis, as enforce_ang_axis() makes it, times the angle
+/// (docs/derivations.md, Eq. 4). a may have any number of elements from 2 on.
 /// Raises "input std::vector had size ..." (fw_tools/rotation.h, 374 inside 382) for shorter vectors.
 template <typename T>
 const std::vector<T> ang_axis_to_rot_vec(const std::vector<T>& a);
@@ -57,7 +59,7 @@ matrix<T> quaternion_to_rot_mat(std::vector<T>& q);
 template <typename T>
 const matrix<T> ang_axis_rad_to_rot_mat(const std::vector<T>& a);
 
-/// Rotation matrix of a rotation vector.
+/// Rotation matrix of a rotation vector, by way of its angle-axis (docs/derivations.md, Eqs. 4 and 2).
 /// Raises "Conversion only implemented for 3d rotations" (fw_tools/rotation.h, 411) unless v has 3 elements.
 template <typename T>
 const matrix<T> rot_vec_rad_to_rot_mat(const std::vector<T>& v);

@@ -10,11 +10,12 @@
 
 #include "fw_tools/scalar_helpers.h"
 
+/// The conversions of rotation.h on plain arrays, which check nothing.
 namespace fw::rotation_arrays {
 
-inline constexpr double pi = 3.14159265358979323846;
-inline constexpr double matrix_tolerance = 1e-12;  // distance from trace 3, trace -1 or 0 that counts as equal
-inline constexpr double axis_tolerance = 1e-16;    // squared length up to which an axis has no direction
+inline constexpr double pi = 3.14159265358979323846;  ///< a half turn, radians
+inline constexpr double matrix_tolerance = 1e-12;     ///< distance from trace 3, trace -1 or 0 that counts as equal
+inline constexpr double axis_tolerance = 1e-16;       ///< squared length up to which an axis has no direction
 
 /// Angle-axis at the angle pi, where R = 2 x x' - I leaves the axis its magnitudes and the signs of its products.
 template <typename T>
@@ -28,7 +29,7 @@ void half_turn_to_ang_axis(const T (&R)[3][3], T* a) {
   a[3] = pi;
 }
 
-/// docs/derivations.md, Eq. 6
+/// Angle-axis of a rotation matrix with that trace (docs/derivations.md, Eq. 6).
 template <typename T>
 void rot_mat_to_ang_axis_rad(const T (&R)[3][3], T trace, T* a) {
   if (std::abs(trace - 3) <= matrix_tolerance) {
@@ -45,12 +46,13 @@ void rot_mat_to_ang_axis_rad(const T (&R)[3][3], T trace, T* a) {
   a[3] = angle;
 }
 
+/// Angle-axis of a rotation matrix (docs/derivations.md, Eq. 6).
 template <typename T>
 void rot_mat_to_ang_axis_rad(const T (&R)[3][3], T* a) {
   rot_mat_to_ang_axis_rad(R, R[0][0] + R[1][1] + R[2][2], a);
 }
 
-/// docs/derivations.md, Eq. 7
+/// Quaternion of a rotation matrix (docs/derivations.md, Eq. 7).
 template <typename T>
 void rot_mat_to_quaternion(const T (&R)[3][3], T* q) {
   // Divides by the largest of the four elements, but for ties, which go to the later axis.
@@ -85,7 +87,7 @@ T split_length(const T* v, std::size_t size, T* direction) {
   return length;
 }
 
-/// Brings an axis to unit length in place.
+/// Brings an axis to unit length in place; one without a direction is multiplied by 1e-16.
 template <typename T>
 void normalise_axis(T* axis, std::size_t size) {
   T squared_length = 0;
@@ -95,7 +97,8 @@ void normalise_axis(T* axis, std::size_t size) {
   for (std::size_t k = 0; k < size; ++k) axis[k] *= scale;
 }
 
-/// An axis of axis_size elements and the angle behind it; v and a may be the same.
+/// The unit axis of a times its angle: a is an axis of axis_size elements and the angle behind it. v and a may be the
+/// same.
 template <typename T>
 void ang_axis_to_rot_vec(const T* a, std::size_t axis_size, T* v) {
   const T angle = a[axis_size];
@@ -104,7 +107,7 @@ void ang_axis_to_rot_vec(const T* a, std::size_t axis_size, T* v) {
   for (std::size_t k = 0; k < axis_size; ++k) v[k] *= angle;
 }
 
-/// docs/derivations.md, Eq. 3
+/// Rotation matrix of a quaternion of any length but zero (docs/derivations.md, Eq. 3).
 template <typename T>
 void quaternion_to_rot_mat(const T* q, T (&R)[3][3]) {
   const T x = q[0];
@@ -123,7 +126,7 @@ void quaternion_to_rot_mat(const T* q, T (&R)[3][3]) {
   R[1][2] = 2 * (y * z - x * w) * k;
 }
 
-/// docs/derivations.md, Eq. 2
+/// Rotation matrix of an angle-axis, whose axis is brought to unit length first (docs/derivations.md, Eq. 2).
 template <typename T>
 void ang_axis_rad_to_rot_mat(const T* a, T (&R)[3][3]) {
   T axis[] = {a[0], a[1], a[2]};
@@ -145,6 +148,7 @@ void ang_axis_rad_to_rot_mat(const T* a, T (&R)[3][3]) {
   R[2][2] = z * (t * z) + c;
 }
 
+/// Rotation matrix of a rotation vector (docs/derivations.md, Eqs. 4 and 2).
 template <typename T>
 void rot_vec_rad_to_rot_mat(const T* v, T (&R)[3][3]) {
   T a[4];

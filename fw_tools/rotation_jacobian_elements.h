@@ -4,8 +4,10 @@
 
 #include <cmath>
 
+/// The derivatives of rotation_jacobians.h for any matrix type.
 namespace fw::rotation_jacobian_elements {
 
+/// Sets every element of J to 0.
 template <typename Matrix>
 void set_zero(int num_rows, int num_columns, Matrix& J) {
   for (int i = 0; i < num_rows; ++i) {
@@ -25,6 +27,7 @@ void set_direction_block(T x, T y, T z, Matrix& out) {
   out(1, 2) = out(2, 1) = -y * z * factor;
 }
 
+/// J is 3 by 4 (docs/derivations.md, Eqs. 24 and 25).
 template <typename T, typename Matrix>
 void quaternion_to_rot_vec_jacobian(const T* q, Matrix& J) {
   const T x = q[0];
@@ -47,6 +50,7 @@ void quaternion_to_rot_vec_jacobian(const T* q, Matrix& J) {
   J(2, 3) = -2 * z * V * L;
 }
 
+/// J is 4 by 4 (docs/derivations.md, Eq. 26).
 template <typename T, typename Matrix>
 void quaternion_to_angle_axis_jacobian(const T* q, Matrix& J) {
   const T w = q[3];
@@ -55,6 +59,7 @@ void quaternion_to_angle_axis_jacobian(const T* q, Matrix& J) {
   J(3, 3) = -2 / std::sqrt(1 - w * w);
 }
 
+/// J is 4 by 3 (docs/derivations.md, Eq. 27).
 template <typename T, typename Matrix>
 void rot_vec_to_quaternion_jacobian(const T* v, Matrix& J) {
   const T a = v[0];
@@ -78,6 +83,7 @@ void rot_vec_to_quaternion_jacobian(const T* v, Matrix& J) {
   J(3, 2) = -c * L * S * 0.5;
 }
 
+/// J is 4 by 3 (docs/derivations.md, Eq. 28).
 template <typename T, typename Matrix>
 void rot_vec_to_angle_axis_jacobian(const T* v, Matrix& J) {
   const T N = v[0] * v[0] + v[1] * v[1] + v[2] * v[2];
@@ -86,6 +92,7 @@ void rot_vec_to_angle_axis_jacobian(const T* v, Matrix& J) {
   for (int j = 0; j < 3; ++j) J(3, j) = v[j] * L;
 }
 
+/// J is 4 by 4 (docs/derivations.md, Eq. 29).
 template <typename T, typename Matrix>
 void angle_axis_to_quaternion_jacobian(const T* a, Matrix& J) {
   const T s = std::sin(a[3] / 2);
@@ -98,6 +105,7 @@ void angle_axis_to_quaternion_jacobian(const T* a, Matrix& J) {
   J(3, 3) = -s * 0.5;
 }
 
+/// J is 3 by 4 (docs/derivations.md, Eq. 30).
 template <typename T, typename Matrix>
 void angle_axis_to_rot_vec_jacobian(const T* a, Matrix& J) {
   set_zero(3, 4, J);

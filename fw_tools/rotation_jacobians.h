@@ -15,27 +15,27 @@
 
 namespace fw {
 
-/// 3 by 4 (docs/derivations.md, Eqs. 24 and 25)
+/// Rotation vector by quaternion, 3 by 4 (docs/derivations.md, Eqs. 24 and 25).
 template <typename T>
 cv::Mat_<T> quaternion_to_rot_vec_jacobian(const std::vector<T>& q);
 
-/// 4 by 4 (docs/derivations.md, Eq. 26)
+/// Angle-axis by quaternion, 4 by 4 (docs/derivations.md, Eq. 26).
 template <typename T>
 cv::Mat_<T> quaternion_to_angle_axis_jacobian(const std::vector<T>& q);
 
-/// 4 by 3 (docs/derivations.md, Eq. 27)
+/// Quaternion by rotation vector, 4 by 3 (docs/derivations.md, Eq. 27).
 template <typename T>
 cv::Mat_<T> rot_vec_to_quaternion_jacobian(const std::vector<T>& v);
 
-/// 4 by 3 (docs/derivations.md, Eq. 28)
+/// Angle-axis by rotation vector, 4 by 3 (docs/derivations.md, Eq. 28).
 template <typename T>
 cv::Mat_<T> rot_vec_to_angle_axis_jacobian(const std::vector<T>& v);
 
-/// 4 by 4, the axis entering unnormalised (docs/derivations.md, Eq. 29)
+/// Quaternion by angle-axis, 4 by 4, the axis entering unnormalised (docs/derivations.md, Eq. 29).
 template <typename T>
 cv::Mat_<T> angle_axis_to_quaternion_jacobian(const std::vector<T>& a);
 
-/// 3 by 4, the axis entering unnormalised (docs/derivations.md, Eq. 30)
+/// Rotation vector by angle-axis, 3 by 4, the axis entering unnormalised (docs/derivations.md, Eq. 30).
 template <typename T>
 cv::Mat_<T> angle_axis_to_rot_vec_jacobian(const std::vector<T>& a);
 

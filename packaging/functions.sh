@@ -25,7 +25,8 @@ stage() {
 
 # stage_module FOLDER: all that CMake or kelvane_build needs to build the module
 stage_module() {
-  stage "$1" CMakeLists.txt LICENSE kelvane_mex.cpp cmake fw_tools fw_opt camera_pose pose_refinement matlab/kelvane_mex.m
+  stage "$1" CMakeLists.txt LICENSE kelvane_mex.cpp cmake fw_tools fw_opt camera_pose pose_refinement self_contained \
+    scripts/opencv_core matlab/kelvane_mex.m
 }
 
 # archive FOLDER FILE SECONDS: the same bits whenever, wherever and by whomever it is called

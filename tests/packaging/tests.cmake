@@ -1,11 +1,22 @@
 # SPDX-License-Identifier: BSD-3-Clause
-# The packages for Octave and MATLAB, and the build without CMake, which runs where KELVANE_LONG is set.
+# The packages for Octave and MATLAB, the installation for C++ with its reference, and the build without CMake, which
+# runs where KELVANE_LONG is set.
 function(kelvane_add_packaging_test name)
   add_test(NAME "packaging/${name}"
     COMMAND sh "${CMAKE_CURRENT_SOURCE_DIR}/packaging/${name}_test" "${PROJECT_SOURCE_DIR}" ${ARGN})
 endfunction()
 
 kelvane_add_packaging_test(archives)
+find_program(Doxygen_PROGRAM doxygen)
+mark_as_advanced(Doxygen_PROGRAM)
+if(Doxygen_PROGRAM)
+  kelvane_add_packaging_test(api_reference)
+endif()
+# What is instrumented is not for others to link.
+if(TARGET kelvane_mex_octave AND TARGET kelvane_mat_reader AND OctaveCli_PROGRAM AND CMAKE_BUILD_TYPE STREQUAL "Release"
+   AND NOT KELVANE_SHARED AND NOT KELVANE_SANITIZE AND NOT KELVANE_SANITIZE_THREADS)
+  kelvane_add_packaging_test(cpp_install "${PROJECT_BINARY_DIR}" "${CMAKE_CXX_COMPILER}" "${OctaveCli_PROGRAM}")
+endif()
 if(TARGET kelvane_mex_octave AND OctaveCli_PROGRAM AND NOT KELVANE_SANITIZE)
   kelvane_add_packaging_test(octave_install)
   kelvane_add_packaging_test(mex_build "$<TARGET_FILE_DIR:kelvane_mex_octave>")

@@ -1,0 +1,59 @@
+# SPDX-License-Identifier: BSD-3-Clause
+# What "cmake --install" puts where. Component library: headers, static libraries and the CMake package. Component
+# module: one folder to add to Octave's or MATLAB's path. Nothing installed knows where it was built or lies.
+include(CMakePackageConfigHelpers)
+
+# Headers of the inside, which no installed header includes. All others are installed.
+set(internal_headers
+  camera_pose/jacobian_rows.h
+  camera_pose/point_kernels.h
+  camera_pose/point_kernels_body.h
+  fw_opt/equation_weights.h
+  fw_opt/matrix_rows.h
+  fw_opt/packed_rows.h
+  fw_opt/reduction_kernels_body.h
+  fw_tools/vector_lanes.h
+  pose_refinement/sites.h)
+
+set(package_folder "${CMAKE_INSTALL_LIBDIR}/cmake/kelvane")
+
+foreach(header IN LISTS internal_headers)
+  list(APPEND exclusions PATTERN "${header}" EXCLUDE)
+endforeach()
+install(DIRECTORY fw_tools fw_opt camera_pose pose_refinement DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/kelvane"
+        COMPONENT library FILES_MATCHING PATTERN "*.h" ${exclusions})
+
+install(TARGETS kelvane EXPORT kelvaneTargets DESTINATION "${CMAKE_INSTALL_LIBDIR}" COMPONENT library)
+install(EXPORT kelvaneTargets NAMESPACE kelvane:: DESTINATION "${package_folder}" COMPONENT library)
+if(TARGET kelvane_mat_reader)  # a file of its own: who has no imgproc can still use the rest
+  set_target_properties(kelvane_mat_reader PROPERTIES EXPORT_NAME mat_reader)
+  install(TARGETS kelvane_mat_reader EXPORT kelvaneMatReaderTargets DESTINATION "${CMAKE_INSTALL_LIBDIR}"
+          COMPONENT library)
+  install(EXPORT kelvaneMatReaderTargets NAMESPACE kelvane:: DESTINATION "${package_folder}" COMPONENT library)
+endif()
+
+configure_package_config_file("${PROJECT_SOURCE_DIR}/cmake/kelvaneConfig.cmake.in"
+  "${PROJECT_BINARY_DIR}/kelvaneConfig.cmake" INSTALL_DESTINATION "${package_folder}"
+  NO_SET_AND_CHECK_MACRO)
+write_basic_package_version_file("${PROJECT_BINARY_DIR}/kelvaneConfigVersion.cmake" COMPATIBILITY SameMinorVersion)
+install(FILES "${PROJECT_BINARY_DIR}/kelvaneConfig.cmake" "${PROJECT_BINARY_DIR}/kelvaneConfigVersion.cmake"
+              "${PROJECT_SOURCE_DIR}/cmake/FindOpencvCore.cmake"
+        DESTINATION "${package_folder}" COMPONENT library)
+install(FILES "${PROJECT_SOURCE_DIR}/LICENSE" DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT library)
+
+# The functions for daily use, without those that build the module and the list of all;
+# kelvane_demo looks for the examples in there.
+set(module_folder "${CMAKE_INSTALL_LIBDIR}/kelvane/octave")
+foreach(module IN ITEMS kelvane_mex_octave kelvane_mex_matlab)
+  if(TARGET ${module})
+    install(TARGETS ${module} DESTINATION "${module_folder}" COMPONENT module)
+    set(has_module TRUE)
+  endif()
+endforeach()
+if(has_module)
+  install(DIRECTORY "${PROJECT_SOURCE_DIR}/matlab/" DESTINATION "${module_folder}" COMPONENT module
+          FILES_MATCHING PATTERN "*.m" PATTERN "*build*.m" EXCLUDE PATTERN Contents.m EXCLUDE)
+  install(DIRECTORY "${PROJECT_SOURCE_DIR}/examples" DESTINATION "${module_folder}" COMPONENT module
+          PATTERN "cpp" EXCLUDE PATTERN "octave-workspace" EXCLUDE)
+  install(FILES "${PROJECT_SOURCE_DIR}/LICENSE" DESTINATION "${module_folder}" COMPONENT module)
+endif()
