@@ -15,7 +15,8 @@
 %     Other fields are not looked at.
 %
 %   Options, by name in any capitals, or as a struct:
-%     'Processes'    how many processes to run, default 1: one problem after the other, in this one
+%     'Processes'    how many processes to run, default 1: one problem after the other, in this one. The engines 'serial' and
+%                    'parfor' do not look at it.
 %     'Engine'       what runs them:
 %                      'auto'        (default) the one below that Connections, Processes and the host ask for
 %                      'serial'      this process
@@ -124,6 +125,7 @@ function problems = list_of_problems(problems)
     if ~isfield(problems{k}, 'name') || isempty(problems{k}.name)
       problems{k}.name = sprintf('%d', k);
     end
+    problems{k}.name = checked_text(problems{k}.name, sprintf('problems(%d).name', k));
   end
 end
 
@@ -190,6 +192,8 @@ end
 %!error <needs problems> kelvane_batch()
 %!error <problems must be a struct array or a cell of structs; this is of class double> kelvane_batch(1:3)
 %!error <problems\(2\) has no field 'intrinsics'> kelvane_batch({some_problems(1), rmfield(some_problems(1), 'intrinsics')})
+%!error <problems\(1\).name must be a text; this is of class double> kelvane_batch(setfield(some_problems(1), 'name', 7))
+%!error <Connections must be what pconnect returned> kelvane_batch(some_problems(1), 'Connections', 2)
 %!error <'Proceses' is not an option of kelvane_batch. Did you mean 'Processes'> kelvane_batch(some_problems(1), 'Proceses', 2)
 %!error <'hubert' is not a loss> kelvane_batch(some_problems(1), 'Loss', 'hubert')
 %!error <StepTolerance must be a number of 0 or more> kelvane_batch(some_problems(1), 'StepTolerance', -1)

@@ -20,8 +20,8 @@
 %
 %   Outputs:
 %     error_of_J  largest difference of the two as a part of the largest derivative, along the directions that move the
-%                 camera: below 1e-7 where all is well. Type 3 fails by nature. Types 1, -1 and -2 fail at a pose without
-%                 rotation, where they have no derivative.
+%                 camera: below 1e-7 where all is well. Type 3 fails by nature. Types -1 and -2 fail at a pose without
+%                 rotation, where one of their derivatives does not exist; type -1 up to 1e-3 rad, where it loses its digits.
 %     J           derivatives of the module, one row for each equation (for hybrid types three times), one column for each
 %                 element of the search vector [r, t]
 %     J_numeric   the same by differences
@@ -160,10 +160,17 @@ end
 %!   end
 %! end
 
-%!test  % without a rotation type -1 has no derivative
-%! at_rest = kelvane_pose([0 0 0, 0 0 -4], 'rotation_vector', 'world_from_camera');
-%! assert(kelvane_check_gradient(at_rest, some_points(), [500 320 240], 'RotationType', -1) > 0.1);
-%! assert(kelvane_check_gradient(at_rest, some_points(), [500 320 240]), 0, 1e-7);
+%!test  % without a rotation types -1 and -2 have no derivative, and next to it type -1 none that is exact
+%! error_at = @(r, type) kelvane_check_gradient([r, 0 0 -4], some_points(), [500 320 240], 'RotationType', type, ...
+%!                                              'PoseFrame', 'world_from_camera');
+%! for type = [-1, -2]
+%!   assert(error_at([0 0 0], type) > 0.1);
+%! end
+%! for type = [0, 1, 2, -3]
+%!   assert(error_at([0 0 0], type), 0, 1e-7);
+%! end
+%! assert(error_at([1e-4 0 0], -1) > 1e-7);
+%! assert([error_at([1e-3 0 0], -1), error_at([1e-4 0 0], -2)], [0, 0], 1e-7);
 
 %!test  % the blocks of a hybrid type are looked at one by one: here the quaternion's has the opposite sign
 %! pose = kelvane_pose([-2.5 0.1 0.2, 3 0 3], 'rotation_vector', 'world_from_camera');

@@ -45,7 +45,7 @@ function files = kelvane_demo(name, folder)
     if nargin < 2
       folder = fullfile(tempdir(), 'kelvane_demo');
     end
-    files = run_demos(chosen, folder);
+    files = run_demos(chosen, checked_text(folder, 'folder'));
     return_nothing = nargout == 0;
   end
   if return_nothing
@@ -85,3 +85,4 @@ function folder = folder_of_examples()
 end
 
 %!error <'bearing' is not a demo. Did you mean 'bearings'> kelvane_demo('bearing')
+%!error <folder must be a text; this is of class double> kelvane_demo('types', 3)

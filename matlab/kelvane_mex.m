@@ -83,11 +83,12 @@
 %     x = kelvane_mex(camera, points, pixels);
 %     fprintf('turn %.6f rad, centre (%.6f, %.6f, %.6f)\n', norm(x(1:3)), x(4:6));
 %
-%   See also chessboard_demo, fminsearch.
+%   See also kelvane_refine, kelvane_types, kelvane_check_gradient, chessboard_demo.
 
 % SPDX-License-Identifier: BSD-3-Clause
 % Help of the compiled function, which takes precedence over this file in the same folder.
 function x = kelvane_mex(varargin) %#ok<STOUT>
-  error('kelvane:notBuilt', ['The compiled function kelvane_mex (.mex or .mexa64) is not on the path. Build it with ' ...
-        '"cmake --preset release" and "cmake --build --preset release", then addpath the folder build/release.']);
+  error('kelvane:notBuilt', ['The compiled function kelvane_mex (.mex or .mexa64) is not on the path. Build it by ' ...
+        'kelvane_build, or by "cmake --preset release" and "cmake --build --preset release" and then addpath the folder ' ...
+        'build/release, so that it comes before this one.']);
 end

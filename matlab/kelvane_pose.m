@@ -52,6 +52,9 @@
 % SPDX-License-Identifier: BSD-3-Clause
 % The one converter of poses.
 function result = kelvane_pose(value, form, frame, new_form, new_frame)
+  if nargin < 1
+    error('kelvane:inputs', 'kelvane_pose needs a pose, its form and its frame.');
+  end
   if nargin < 3
     frame = '';
   end
@@ -143,6 +146,7 @@ end
 %!error <quaternion of length 0> kelvane_pose(zeros(1, 7), 'quaternion_xyzw', 'world_from_camera')
 %!error <axis of length 0> kelvane_pose([0 0 0 1 0 0 0], 'axis_angle', 'world_from_camera')
 %!error <the pose\(1, 5\) is NaN> kelvane_pose([0 0 0 1 NaN 0], 'rotation_vector', 'world_from_camera')
+%!error <needs a pose, its form and its frame> kelvane_pose()
 %!error <Say which way the pose of form 'matrix4x4' maps> kelvane_pose(eye(4), 'matrix4x4')
 %!error <always 'camera_from_world'> kelvane_pose({[0 0 0], [0 0 0]}, 'opencv', 'world_from_camera')
 %!error <It looks transposed> kelvane_pose([eye(3), [0;0;0]; 1 2 3 1], 'matrix4x4', 'camera_from_world')

@@ -105,6 +105,7 @@ end
 %! assert(pixels, [35 35; 70 70], 1e-12);
 %! assert(depth, [4 -4]);
 %!error <needs pose, points and intrinsics> kelvane_project(eye(4))
+%!error <points must be 3 x N or N x 3; this is 2 x 6> kelvane_project(some_pose(), rand(2, 6), [1 0 0])
 %!error <K looks transposed> kelvane_project(some_pose(), [1;2;3], some_matrix()')
 %!error <upper triangular> kelvane_project(some_pose(), [1;2;3], ones(3))
 %!error <focal length of 0> kelvane_project(some_pose(), [1;2;3], [0 1 2])

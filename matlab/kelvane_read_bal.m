@@ -38,7 +38,7 @@ function problems = kelvane_read_bal(file)
   if nargin < 1
     error('kelvane:inputs', 'kelvane_read_bal needs the name of a file.');
   end
-  [seen, cameras, points] = read_bal_blocks(file);
+  [seen, cameras, points] = read_bal_blocks(checked_text(file, 'file'));
   flip = diag([1, -1, -1]);
   problems = struct('name', {}, 'id', {}, 'start', {}, 'points', {}, 'observations', {}, 'intrinsics', {}, ...
                     'image_size', {}, 'point_ids', {});
@@ -53,6 +53,7 @@ function problems = kelvane_read_bal(file)
 end
 
 %!error <needs the name of a file> kelvane_read_bal()
+%!error <file must be a text; this is of class cell> kelvane_read_bal({'problem.txt'})
 %!error <cannot be read> kelvane_read_bal(tempname())
 
 %!test  % pixels that the published formula makes lead to the camera that made them, through its distortion

@@ -41,6 +41,7 @@ function problems = kelvane_read_colmap(folder)
   if nargin < 1
     error('kelvane:inputs', 'kelvane_read_colmap needs the folder of a COLMAP model.');
   end
+  folder = checked_text(folder, 'folder');
   if ~exist(fullfile(folder, 'cameras.txt'), 'file') && exist(fullfile(folder, 'cameras.bin'), 'file')
     error('kelvane:file', ['%s holds a binary model. Turn it into text: colmap model_converter --input_path %s ' ...
           '--output_path %s --output_type TXT'], folder, folder, folder);
@@ -73,6 +74,7 @@ function problem = problem_of_image(image, cameras, ids, positions, file)
 end
 
 %!error <needs the folder> kelvane_read_colmap()
+%!error <folder must be a text; this is of class double> kelvane_read_colmap(3)
 %!error <cameras.txt cannot be read> kelvane_read_colmap(tempname())
 
 %!test  % the poses are those of the file, one camera for each model, and pixels without a point are left out

@@ -9,7 +9,7 @@
 %
 %   Inputs: real, finite numbers of any class.
 %     pose0         where to start: the struct of kelvane_pose, or any of its forms, named by 'PoseForm' and 'PoseFrame'
-%     points        3 x N or N x 3: world points, N of 3 or more (4 for rotation types with four entries)
+%     points        3 x N or N x 3: world points, N of 3 or more; 3 x 3 lie as the observations do, in columns or in rows
 %     observations  2 x N or N x 2: pixels (u, v); or 3 x N: directions to the points in the camera frame, of any length
 %                   but zero. Points may then lie anywhere around the camera.
 %     intrinsics    of pixels: [f cx cy], pixels; a 3 x 3 K = [fx s cx; 0 fy cy; 0 0 1], or a multiple of it; or MATLAB's
@@ -26,12 +26,14 @@
 %     'StepTolerance'      stop when a step turns by less than this, in radians, and shifts by less than this part of the
 %                          distance of the points (root mean square); default 1e-9
 %     'FunctionTolerance'  stop when the cost decreases by less than this part of it; default 0, never
-%     'Jacobian'           'analytic' (default) or 'finite-difference'
+%     'Jacobian'           'analytic' (default), or 'finite-difference', which ends beside the optimum where residuals are
+%                          left, often with exit flag -2
 %     'Weights'            factors of squared residuals: one for each point, or one for each equation in the shape of the
-%                          observations; default 1. The inverse variance is the one to give.
+%                          observations, or in a vector u1, v1, u2, ...; default 1. The inverse variance is the one to give.
 %     'Loss'               'none' (default), 'huber', 'cauchy' or 'tukey': what bounds the pull of outliers
 %     'LossScale'          length of a (weighted) residual from which it counts less; by default the one that keeps 95 % of
-%                          the information in normal noise, whose size the median of the residuals tells
+%                          the information in normal noise, whose size the median of the residuals tells; of no effect
+%                          without a loss
 %     'NoiseSigma'         standard deviation of each coordinate of an observation with weight 1, for the covariance; by
 %                          default from the residuals
 %     'Display'            'off' (default), 'iter' or 'final'
@@ -45,7 +47,9 @@
 %                      MaxIterations, -1 OutputFcn, -2 no part of the step lowers the cost, -3 the start has no finite
 %                      cost, -4 the points do not determine the pose
 %       message        the same in words
-%       rms_before, rms_after  square root of the cost of a point on average, of pose0 and pose, in pixels or radians
+%       rms_before, rms_after  square root of the cost of a point on average, of pose0 and pose, in pixels or radians; with a
+%                      loss both at loss_scale, with which history is told too. Display and OutputFcn tell it as it
+%                      is on the way, while the scale still comes down.
 %       iterations     steps made
 %       residuals      2 x N or 3 x N, observed minus predicted (directions at unit length), without weights
 %       history        1 x (iterations + 1) structs: pose (struct), rms, turn (rad) and shift (world unit) of each step
@@ -110,9 +114,6 @@ function [given, options] = read_inputs(pose0, points, observations, intrinsics,
   end
   given.weights = read_weights(options.Weights, dimension, n);
   given.type = read_type(options.RotationType, given.camera.bearing);
-  if given.type.rotation_size == 4 && given.type.blocks == 1 && n < 4 && dimension == 2
-    error('kelvane:tooFewPoints', 'Rotation type %d has 7 unknowns: it needs 4 points.', given.type.number);
-  end
   if isempty(options.OutputForm)
     options.OutputForm = given.form;
   end
@@ -146,8 +147,15 @@ end
 %!   assert(info.rms_after < 1e-9 && info.rms_before > 1);
 %! end
 
-%!test  % three points, in columns or in rows
-%! [points, K, ~, truth] = scene();
+%!test  % three points, in columns or in rows, are enough for every type
+%! [points, K, all_pixels, truth] = scene();
+%! for type = [0, 1, 2, -1, -2, -3]
+%!   with_type = {K, 'RotationType', type};
+%!   some = kelvane_refine(near(truth), points, all_pixels, with_type{:}, 'Weights', [0 0 0 1 1 1]);
+%!   pose = kelvane_refine(near(truth), points(:, 4:6), all_pixels(:, 4:6), with_type{:});
+%!   assert(kelvane_project(pose, points(:, 4:6), K), all_pixels(:, 4:6), 1e-7);
+%!   assert({some.rotation, some.centre}, {pose.rotation, pose.centre}, 1e-9);
+%! end
 %! points = points(:, 4:6);
 %! pixels = kelvane_project(truth, points, K);
 %! pose = kelvane_refine(near(truth), points, pixels, K);
@@ -163,6 +171,12 @@ end
 %! assert(norm(centre - weighted(flip(W))) > 1e-6);
 %! assert({weighted(W'), weighted(W(:)), weighted(W(:)')}, {centre, centre, centre});
 %! assert({weighted(1:6), weighted((1:6)')}, {weighted([1:6; 1:6]), weighted([1:6; 1:6])});
+%! b = kelvane_project(truth, points(:, 4:6), []);  % three directions: 3 x 3 is not turned over
+%! W = reshape(1:9, 3, 3);
+%! [~, info] = kelvane_refine(near(truth), points(:, 4:6), b, [], 'Weights', W);
+%! residuals = b - kelvane_project(near(truth), points(:, 4:6), []);
+%! assert(info.rms_before, sqrt(sum(sum(W .* residuals.^2)) / 3), -1e-12);
+
 %!test  % names in any capitals, structs of options, and every name and number of a type
 %! [points, K, pixels, truth] = scene();
 %! for type = {0, 'AAU', 'rotation vector', 2, 'qu', 'Quaternion', -2}
@@ -177,6 +191,11 @@ end
 %!error <'hubert' is not a loss. Did you mean 'huber'> kelvane_refine(struct('rotation', eye(3), 'centre', [0 0 0]), rand(3, 5), rand(2, 5), [1 0 0], 'Loss', 'hubert')
 %!error <StepTolerance must be a number of 0 or more> kelvane_refine(eye(4), rand(3, 5), rand(2, 5), [1 0 0], 'StepTolerance', NaN)
 %!error <LossScale must be a number above 0> kelvane_refine(eye(4), rand(3, 5), rand(2, 5), [1 0 0], 'LossScale', 0)
+%!error <LossScale must be a number above 0 and finite> kelvane_refine(eye(4), rand(3, 5), rand(2, 5), [1 0 0], 'LossScale', Inf)
+%!error <MaxIterations must be a whole number; this is 2.5> kelvane_refine(eye(4), rand(3, 5), rand(2, 5), [1 0 0], 'MaxIterations', 2.5)
+%!error <options come in one struct; this is an array of 2> kelvane_refine(eye(4), rand(3, 5), rand(2, 5), [1 0 0], struct('Loss', {'huber', 'none'}))
+%!error <Did you mean 'rotation vector'> kelvane_refine([eye(3), [0; 0; 9]], rand(3, 5), rand(2, 5), [1 0 0], 'PoseFrame', 'camera_from_world', 'RotationType', 'rotation_vector')
+%!error <as 'PoseFrame' or third input of kelvane_pose> kelvane_refine(eye(4), rand(3, 5), rand(2, 5), [1 0 0])
 %!error <OutputFcn must be a function handle> kelvane_refine(eye(4), rand(3, 5), rand(2, 5), [1 0 0], 'OutputFcn', 'f')
 %!error <Say which way the pose> kelvane_refine(eye(4), rand(3, 5), rand(2, 5), [1 0 0])
 %!error <2 x 2 observations may be two columns or two rows> kelvane_refine(eye(4), rand(3, 2), rand(2, 2), [1 0 0], 'PoseFrame', 'world_from_camera')
@@ -188,7 +207,6 @@ end
 %!error <With 3 x N observations the intrinsics must be \[\]> kelvane_refine(eye(4), rand(3, 5), rand(3, 5), [1 0 0], 'PoseFrame', 'world_from_camera')
 %!error <observations\(:, 2\) has the length 0> kelvane_refine(eye(4), rand(3, 3), [1 0 1; 1 0 2; 1 0 3], [], 'PoseFrame', 'world_from_camera')
 %!error <the observations are bearing vectors> kelvane_refine(eye(4), rand(3, 5), rand(3, 5), [], 'PoseFrame', 'world_from_camera', 'RotationType', 2)
-%!error <type 2 has 7 unknowns> kelvane_refine(eye(4), rand(3, 3), rand(2, 3), [1 0 0], 'PoseFrame', 'world_from_camera', 'RotationType', 2)
 %!error <Weights must be one for each of the 5 points> kelvane_refine(eye(4), rand(3, 5), rand(2, 5), [1 0 0], 'PoseFrame', 'world_from_camera', 'Weights', 1:4)
 %!error <Weights must not be negative; the least is -1> kelvane_refine(eye(4), rand(3, 5), rand(2, 5), [1 0 0], 'PoseFrame', 'world_from_camera', 'Weights', [1 1 1 1 -1])
 %!error <with a weight above 0> kelvane_refine(eye(4), rand(3, 5), rand(2, 5), [1 0 0], 'PoseFrame', 'world_from_camera', 'Weights', [1 1 0 0 0])

@@ -30,6 +30,8 @@ function batch = checked(batch)
   if strcmp(batch.Engine, 'netcellfun')
     if isempty(batch.Connections)
       error('kelvane:option', 'The engine netcellfun needs Connections, which pconnect returns.');
+    elseif isnumeric(batch.Connections) || iscell(batch.Connections) || ischar(batch.Connections)
+      error('kelvane:option', 'Connections must be what pconnect returned; this is of class %s.', class(batch.Connections));
     end
     batch.Processes = max(batch.Processes, 4 * numel(batch.Connections));  % that a round keeps the servers busy
   end

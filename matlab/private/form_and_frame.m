@@ -9,7 +9,7 @@ function [form, frame] = form_and_frame(form, frame)
   end
   if isempty(frame)
     error('kelvane:noFrame', ['Say which way the pose of form ''%s'' maps: ''camera_from_world'' (p = Q * X + s) ' ...
-          'or ''world_from_camera'' (X = Q * p + s).'], form);
+          'or ''world_from_camera'' (X = Q * p + s), as ''PoseFrame'' or third input of kelvane_pose.'], form);
   end
   frame = one_of(frame, {'camera_from_world', 'world_from_camera'}, 'kelvane:frame', 'frame');
   if ~isempty(implied) && ~strcmp(frame, implied)

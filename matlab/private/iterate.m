@@ -59,11 +59,6 @@ function [next, limit] = better_of(problem, entry, motion, next, limit)
   end
 end
 
-% A step of this length changes the cost by about its square.
-function length_of_step = hidden_by_rounding()
-  length_of_step = 1e-6;
-end
-
 % Why to stop, as the exit flags of kelvane_refine; 0 to go on.
 function exitflag = verdict(before, after, step, options)
   if step <= options.StepTolerance

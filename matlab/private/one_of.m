@@ -22,5 +22,9 @@ end
 
 function text = in_words(names)
   quoted = strcat('''', names, '''');
-  text = [sprintf('%s, ', quoted{1:end - 1}), 'and ', quoted{end}];
+  if numel(quoted) == 2
+    text = [quoted{1}, ' and ', quoted{2}];
+  else
+    text = [sprintf('%s, ', quoted{1:end - 1}), 'and ', quoted{end}];
+  end
 end

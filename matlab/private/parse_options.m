@@ -7,6 +7,10 @@ function options = parse_options(caller, defaults, given)
   i = 1;
   while i <= numel(given)
     if isstruct(given{i})
+      if ~isscalar(given{i})
+        error('kelvane:option', '%s: options come in one struct; this is an array of %d, which struct() makes of a cell.', ...
+              caller, numel(given{i}));
+      end
       options = parse_options(caller, options, pairs_of(given{i}));
       i = i + 1;
     elseif i == numel(given)

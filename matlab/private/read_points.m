@@ -15,6 +15,8 @@ function points = read_points(points, n, in_rows)
     return;
   elseif rows == n && columns == 3
     points = points';
+  elseif nargin < 2
+    error('kelvane:size', 'points must be 3 x N or N x 3; this is %d x %d.', rows, columns);
   else
     error('kelvane:size', 'points must be 3 x %d or %d x 3, as there are %d observations; this is %d x %d.', n, n, n, ...
           rows, columns);

@@ -6,9 +6,12 @@ function type = read_type(which, bearing)
   if isempty(which)
     which = words{1};
   end
-  if ischar(which) && any(strcmpi(which, words))
-    type = kelvane_types(find(strcmpi(which, words)) - 1 + 10 * bearing);
-    return;
+  if ~isnumeric(which)
+    types = kelvane_types();
+    which = one_of(which, [words, {types.name}], 'kelvane:rotationType', 'rotation type');
+  end
+  if any(strcmp(which, words))
+    which = find(strcmp(which, words)) - 1 + 10 * bearing;
   end
   type = kelvane_types(which);
   if type.bearing ~= bearing

@@ -8,7 +8,7 @@ function weights = read_weights(weights, d, n)
   weights = checked_numbers(weights, 'Weights');
   if isvector(weights) && numel(weights) == n
     weights = repmat(weights(:)', d, 1);
-  elseif isequal(size(weights), [n, d])
+  elseif isequal(size(weights), [n, d]) && n ~= d  % three directions come in columns
     weights = weights';
   elseif isvector(weights) && numel(weights) == d * n
     weights = reshape(weights, d, n);

@@ -13,6 +13,9 @@ function options = refine_options(given)
   check_number(options, 'FunctionTolerance', 0);
   check_number(options, 'LossScale', realmin);
   check_number(options, 'NoiseSigma', realmin);
+  if options.MaxIterations ~= round(options.MaxIterations)
+    error('kelvane:option', 'MaxIterations must be a whole number; this is %g.', options.MaxIterations);
+  end
   if ~isempty(options.OutputFcn) && ~isa(options.OutputFcn, 'function_handle')
     error('kelvane:option', 'OutputFcn must be a function handle; this is of class %s.', class(options.OutputFcn));
   end
@@ -24,8 +27,8 @@ function check_number(options, name, least)
   if isempty(value) && any(strcmp(name, {'LossScale', 'NoiseSigma'}))
     return;
   end
-  if ~isnumeric(value) || ~isscalar(value) || ~isreal(value) || ~(value >= least)
-    kinds = {'of 0 or more', 'above 0'};
+  if ~isnumeric(value) || ~isscalar(value) || ~isreal(value) || ~(value >= least) || (least > 0 && isinf(value))
+    kinds = {'of 0 or more', 'above 0 and finite'};
     error('kelvane:option', '%s must be a number %s.', name, kinds{1 + (least > 0)});
   end
 end

@@ -7,18 +7,23 @@ function info = refinement_info(result, given, options)
     costs(k) = cost_of_pose(users, history(k).pose);
     history(k).rms = sqrt(costs(k) / size(given.points, 2));
   end
-  [best, exitflag] = chosen(costs, result.exitflag);
+  [best, exitflag] = chosen(costs, result);
   pose = history(best).pose;
   [~, residuals, s, p] = cost_of_pose(users, pose);
   inliers = strcmp(users.loss.name, 'none') | s <= 3 * users.scale / users.loss.tuning;
   J = tangent_jacobian(given.camera, pose.rotation, p);
   [covariance, noise_sigma, determined] = covariance_of_pose(J, s, given.weights, inliers, users.loss, users.scale, ...
                                                              options.NoiseSigma);
+  num_pulling = sum(any(given.weights > 0, 1) & users.loss.weight(s, users.scale) > 0);
+  if num_pulling < 3
+    covariance = Inf(6);
+    determined = false;
+  end
   if ~determined && exitflag ~= -3
     exitflag = -4;
   end
   num_behind = sum(p(3, :) <= 0 & ~given.camera.bearing);
-  info = struct('exitflag', exitflag, 'message', exit_message(exitflag, options, num_behind), ...
+  info = struct('exitflag', exitflag, 'message', exit_message(exitflag, options, num_behind, num_pulling), ...
                 'rms_before', history(1).rms, 'rms_after', history(best).rms, 'iterations', numel(history) - 1, ...
                 'residuals', residuals, 'history', history, 'covariance', covariance, 'noise_sigma', noise_sigma, ...
                 'inliers', inliers, 'loss_scale', users.scale, 'num_behind', num_behind, ...
@@ -47,11 +52,13 @@ function history = history_of_poses(result, given)
 end
 
 % The last pose, unless another scale of the loss or rounding makes the start the better one.
-function [best, exitflag] = chosen(costs, exitflag)
+function [best, exitflag] = chosen(costs, result)
   best = numel(costs);
+  exitflag = result.exitflag;
   if ~(costs(end) < costs(1))
     best = 1;
-    if costs(end) > costs(1) * (1 + 1e-12)
+    way = motion_between(result.history(1).state, result.history(end).state);
+    if costs(end) > costs(1) * (1 + 1e-12) && norm(way) > hidden_by_rounding()
       exitflag = -2;
     end
   end

@@ -22,8 +22,13 @@ function loss = robust_loss(name)
       loss.slope = @(s, c) -2 * s / c^2 ./ (1 + (s / c).^2).^2;
     case 'tukey'
       loss.tuning = 5.12299;
-      loss.rho = @(s, c) c^2 / 3 * (1 - max(0, 1 - (s / c).^2).^3);
+      loss.rho = @(s, c) part_of_square(min(s / c, 1).^2) .* min(s, c).^2;
       loss.weight = @(s, c) max(0, 1 - (s / c).^2).^2;
       loss.slope = @(s, c) -4 * s / c^2 .* max(0, 1 - (s / c).^2);
   end
+end
+
+% Tukey's loss as a part of s^2, with q = (s / c)^2: (1 - (1 - q)^3) / (3 q), which keeps its digits where q is small.
+function y = part_of_square(q)
+  y = 1 - q + q.^2 / 3;
 end

@@ -4,6 +4,8 @@
 function x = stepped(type, x, intrinsics, points, target, weights, finite_difference)
   if type.bearing
     [points, target, weights] = packed_bearings(points, target, weights);
+  elseif numel(weights) < numel(x)
+    [points, target, weights] = with_one_more(points, target, weights);
   end
   inputs = {[x, intrinsics], points, target, criteria_of_one_iteration(finite_difference), type.number};
   if any(weights ~= 1)
@@ -28,4 +30,12 @@ function [points, target, weights] = packed_bearings(points, target, weights)
   points(:, n + 1:num_columns) = 0;
   target = [pairs; zeros(1, num_columns)];
   weights(3 * n + 1:3 * num_columns) = 0;
+end
+
+% Three points give six equations, and the module refuses fewer than a search vector has elements: the first point once
+% more, without weight.
+function [points, target, weights] = with_one_more(points, target, weights)
+  points = points(:, [1:end, 1]);
+  target = target(:, [1:end, 1]);
+  weights(end + 1:end + 2) = 0;
 end

@@ -3,7 +3,7 @@
 
 %!function problems = all_problems()
 %!  problems = {};
-%!  for set = {'chessboard', 'bal', 'bal_adjusted', 'castle', 'omni'}
+%!  for set = {'chessboard', 'bal', 'bal_adjusted', 'castle', 'crane', 'omni'}
 %!    for kind = {'pixel', 'chord'}
 %!      if ~strcmp([set{1}, kind{1}], 'omnipixel')
 %!        problems = [problems, num2cell(shared_problems(set{1}, kind{1}))];
@@ -51,13 +51,13 @@
 %! one = kelvane_batch(problems, options{:});
 %! two = kelvane_batch(problems, 'Processes', 2, options{:});
 %! bits = @(row) {row.name, row.pose, row.info, row.error};
-%! assert(numel(one), 74);
-%! for k = 1:74
+%! assert(numel(one), 90);
+%! for k = 1:90
 %!   assert(isequal(bits(one(k)), bits(two(k))), problems{k}.name);
 %! end
 %! assert({one.name}, cellfun(@(p) p.name, problems, 'UniformOutput', false));
 %! assert(find(~cellfun(@isempty, {one.error})), 3);
-%! assert(all([one([1:2, 4:74]).exitflag] > 0));
+%! assert(all([one([1:2, 4:90]).exitflag] > 0));
 
 %!test  % the work is done in two other processes
 %! if isempty(pkg('list', 'parallel'))
@@ -71,3 +71,44 @@
 %! pids = unique({results.error});
 %! assert(numel(pids), 2);
 %! assert(~any(strcmp(pids, sprintf('process %d', getpid()))));
+
+%!function problems = twenty_problems()
+%!  scene = noisy_scene([700 0 320; 0 700 240; 0 0 1], 1);
+%!  problem = struct('start', scene.start, 'points', scene.points, 'observations', scene.pixels, 'intrinsics', scene.K);
+%!  problems = repmat(problem, 1, 20);
+%!  problems(4).intrinsics = [];
+%!endfunction
+
+%!test  % without a screen the progress is a line, told about ten times
+%! text = evalc('kelvane_batch(twenty_problems());');
+%! told = strsplit(strtok(text, "\n"), "\r");
+%! assert(numel(told), 11);
+%! assert(told([2, 3, end]), {'refined 2 of 20', 'refined 4 of 20, 1 with an error', 'refined 20 of 20, 1 with an error'});
+%! assert(evalc('results = kelvane_batch(twenty_problems(), ''Progress'', ''off'');'), '');
+
+%!test  % with a screen it is a bar, which closes at the end and after an error
+%! global bar_calls
+%! bar_calls = cell(0, 2);
+%! warning('off', 'Octave:shadowed-function', 'local');
+%! folders = {stand_ins('screen'), stand_ins('threads')};
+%! addpath(folders{:});
+%! restoring = onCleanup(@() rmpath(folders{:}));
+%! assert(evalc('results = kelvane_batch(twenty_problems());'), '');
+%! assert([bar_calls{:, 1}], (0:10) / 10, eps);
+%! assert(bar_calls([1, 2, end], 2), {'refined 0 of 20'; 'refined 2 of 20'; 'refined 20 of 20, 1 with an error'});
+%! assert(isempty(get(0, 'children')));
+%! fail('kelvane_batch(twenty_problems(), ''Engine'', ''parfor'')', 'refuse MEX files');
+%! assert(size(bar_calls, 1), 12);
+%! assert(isempty(get(0, 'children')));
+%! clear -global bar_calls
+
+%!test  % a bar that the user has closed stays closed
+%! global bar_calls
+%! bar_calls = cell(0, 2);
+%! warning('off', 'Octave:shadowed-function', 'local');
+%! addpath(stand_ins('screen'));
+%! restoring = onCleanup(@() rmpath(stand_ins('screen')));
+%! results = kelvane_batch(twenty_problems(), 'Progress', 'bar', 'OutputFcn', @close_all);
+%! assert(size(bar_calls, 1), 1);
+%! assert(sum([results.exitflag] > 0), 19);
+%! clear -global bar_calls

@@ -12,7 +12,7 @@
 %! assert(numel(names) >= 5);
 %! for name = names
 %!   [code, output] = help_example(name{1});
-%!   printed = strtrim(strsplit(strtrim(evalc(code)), "\n"));
+%!   printed = strtrim(strsplit(strtrim(printed_by(code)), "\n"));
 %!   assert(printed, output, name{1});
 %! end
 
@@ -33,10 +33,3 @@
 %!   line = sprintf('%%   %-22s - %s', name{1}, strtrim(h1(numel(name{1}) + 1:end)));
 %!   assert(~isempty(strfind(contents, line)), line);
 %! end
-
-%!test  % the example of docs/conventions.md prints what is printed below it
-%! project = fileparts(fileparts(which('kelvane_refine')));
-%! parts = strsplit(fileread(fullfile(project, 'docs', 'conventions.md')), "```");
-%! code = parts{find(strncmp(parts, 'octave', 6), 1)};
-%! expected = parts{find(strncmp(parts, 'octave', 6), 1) + 2};
-%! assert(strtrim(evalc(code(7:end))), strtrim(expected));

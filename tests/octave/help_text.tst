@@ -43,5 +43,7 @@
 %!   assert(problem.identifier, 'kelvane:notBuilt');
 %! end
 %! assert(strncmp(message, 'The compiled function kelvane_mex', 33));
+%! assert(~isempty(strfind(message, 'kelvane_build')) && exist('kelvane_build', 'file') == 2);
+%! assert(~isempty(strfind(message, 'cmake --preset release')));
 %! confirm_recursive_rmdir(false, 'local');
 %! rmdir(folder, 's');

@@ -80,3 +80,15 @@
 %!                               [ones(1, 20), zeros(1, 10)]);
 %! assert(isfinite([info.rms_before, info.rms_after]), [true, true]);
 %! assert({pose.rotation, pose.centre}, {few.rotation, few.centre}, 1e-9);
+
+%!test  % a loss whose scale is far above all residuals is none
+%! scene = noisy_scene([700 60 320; 0 600 240; 0 0 1], 15);
+%! plain = kelvane_refine(scene.start, scene.points, scene.pixels, scene.K);
+%! for loss = {'huber', 'cauchy', 'tukey'}
+%!   for scale = [1e5, 1e9]
+%!     [pose, info] = kelvane_refine(scene.start, scene.points, scene.pixels, scene.K, 'Loss', loss{1}, 'LossScale', scale);
+%!     assert(info.exitflag > 0, loss{1});
+%!     assert({pose.rotation, pose.centre}, {plain.rotation, plain.centre}, 1e-8);
+%!     assert(info.rms_after, sqrt(squares(scene, pose, 1) / 30), -1e-8);
+%!   end
+%! end

@@ -122,3 +122,30 @@
 %! assert(again.rms_after <= again.rms_before);
 %! assert(pose.centre, best.centre, 1e-10);
 %! assert(again.iterations, 1);
+
+%!test  % a start that exact observations leave nothing to lower at has converged, and comes back to the last bit
+%! s = scene();
+%! s.start = s.truth;
+%! s.pixels = kelvane_project(s.truth, s.points, s.K);
+%! directions = s;
+%! directions.pixels = kelvane_project(s.truth, s.points, []);
+%! directions.K = [];
+%! for given = {s, directions}
+%!   for options = {{}, {'Loss', 'tukey'}, {'StepTolerance', 0}, {'RotationType', 'quaternion'}}
+%!     [pose, info] = refined(given{1}, options{1}{:});
+%!     assert(info.exitflag > 0 && strncmp(info.message, 'Converged', 9), info.message);
+%!     assert(pose, s.truth);
+%!     assert(info.rms_after, 0, 1e-12);
+%!   end
+%! end
+
+%!test  % a loss whose scale leaves no pull to any point: said, not called converged
+%! s = scene();
+%! for options = {{}, {'NoiseSigma', 1}}
+%!   [pose, info] = refined(s, 'Loss', 'tukey', 'LossScale', 1e-4, options{1}{:});
+%!   assert(info.exitflag, -4);
+%!   assert(info.message, ['The points do not determine the pose: 0 have residuals below LossScale = 0.0001, the others ' ...
+%!                         'no pull.']);
+%!   assert(info.covariance, Inf(6));
+%!   assert(pose, s.start);
+%! end

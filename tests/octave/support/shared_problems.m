@@ -1,7 +1,8 @@
 % SPDX-License-Identifier: BSD-3-Clause
 % The problems of one set of the measurements that lie beside the project, as a 1 x n struct array; empty, with a line that
 % says so, where they are not there. kind is 'pixel' or 'chord': observations are pixels, or directions of any set, and
-% optimum (1 x 6, [r, t]) is the one that is stored for that cost. distance is that of the camera from the mean point.
+% optimum (1 x 6, [r, t]) is the one that is stored for that cost; of crane, which has none, the pose that comes with the
+% data. distance is that of the camera from the mean point.
 function problems = shared_problems(set, kind)
   problems = struct([]);
   project = fileparts(fileparts(fileparts(fileparts(mfilename('fullpath')))));
@@ -13,7 +14,8 @@ function problems = shared_problems(set, kind)
   read = @(name) dlmread(fullfile(folder, name), ',', 1, 0);
   list = read('problems.csv');
   starts = read('pose_start.csv');
-  optima = read(['pose_optimal_', kind, '.csv']);
+  names = {['pose_optimal_', kind, '.csv'], 'pose_dataset.csv'};
+  optima = read(names{1 + strcmp(set, 'crane')});
   for i = 1:size(list, 1)
     rows = read(sprintf('obs_%02d.csv', list(i, 1)));
     problem = struct('name', sprintf('%s %d', set, list(i, 1)), 'points', rows(:, 1:3)', 'observations', rows(:, 4:end)', ...
