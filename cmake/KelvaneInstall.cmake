@@ -57,3 +57,20 @@ if(has_module)
           PATTERN "cpp" EXCLUDE PATTERN "octave-workspace" EXCLUDE)
   install(FILES "${PROJECT_SOURCE_DIR}/LICENSE" DESTINATION "${module_folder}" COMPONENT module)
 endif()
+
+# packaging/release makes one Debian package of both.
+set(CPACK_PACKAGE_NAME kelvane)
+set(CPACK_PACKAGE_VENDOR "the kelvane authors")
+set(CPACK_PACKAGE_CONTACT "the kelvane authors")
+set(CPACK_DEBIAN_PACKAGE_MAINTAINER "the kelvane authors <kelvane@localhost>")
+set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "Camera pose refinement for GNU Octave and C++")
+set(CPACK_DEBIAN_PACKAGE_DESCRIPTION
+"Refines the pose of a camera from 3D points and where the camera saw them.
+The functions for Octave lie in /usr/${module_folder}: addpath it, or put
+that line into ~/.octaverc. Headers, static library and CMake package for C++.")
+set(CPACK_DEBIAN_PACKAGE_SECTION math)
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_PACKAGE_SUGGESTS "octave (>= 7.3), libopencv-core-dev, octave-parallel, cmake")
+set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
+include(CPack)

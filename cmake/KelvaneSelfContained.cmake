@@ -5,6 +5,7 @@ set(KELVANE_OPENCV_ARCHIVE "" CACHE FILEPATH "Source archive of OpenCV 4; empty:
 
 if(KELVANE_SELF_CONTAINED)
   set(core "${PROJECT_SOURCE_DIR}/build/opencv_core")
+  add_compile_options("-ffile-prefix-map=${PROJECT_SOURCE_DIR}=.")  # the same bits wherever it is built
   execute_process(COMMAND sh "${PROJECT_SOURCE_DIR}/scripts/opencv_core" ${KELVANE_OPENCV_ARCHIVE}
                   RESULT_VARIABLE status)
   if(NOT status EQUAL 0)

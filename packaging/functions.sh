@@ -29,10 +29,34 @@ stage_module() {
     scripts/opencv_core matlab/kelvane_mex.m
 }
 
+# stage_functions FOLDER: the m-files for daily use with their demos, without what builds the module
+stage_functions() {
+  (cd matlab && stage "$1" .)
+  stage "$1" examples
+  rm -r "$1/examples/cpp"
+  rm -f "$1"/kelvane_build.m "$1"/private/build_*.m "$1"/buildfile.m "$1"/functionSignatures.json
+  sed '/^% Building$/,/^%$/d' matlab/Contents.m >"$1/Contents.m"
+}
+
+# tidy FOLDER SECONDS: the same modes and times whoever has made the files
+tidy() {
+  find "$1" -type d -exec chmod 755 {} +
+  find "$1" -type f -perm -u+x -exec chmod 755 {} +
+  find "$1" -type f ! -perm -u+x -exec chmod 644 {} +
+  find "$1" -exec touch -h -d "@$2" {} +
+}
+
 # archive FOLDER FILE SECONDS: the same bits whenever, wherever and by whomever it is called
 archive() {
-  find "$1" -type d -exec chmod 755 {} +
-  find "$1" -type f -exec chmod 644 {} +
+  tidy "$1" "$3"
   tar -C "$(dirname "$1")" --sort=name --format=ustar --owner=0 --group=0 --numeric-owner --mtime="@$3" \
     -cf - "$(basename "$1")" | gzip -9n >"$2"
+}
+
+# zip_archive FOLDER FILE SECONDS: the same as a zip, whose times are those of the clock on the wall
+zip_archive() {
+  tidy "$1" "$3"
+  rm -f "$2"
+  case $2 in /*) zip_file=$2 ;; *) zip_file=$PWD/$2 ;; esac
+  (cd "$(dirname "$1")" && find "$(basename "$1")" -type f | LC_ALL=C sort | TZ=UTC zip -9 -X -q -@ "$zip_file")
 }
