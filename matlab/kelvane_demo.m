@@ -21,6 +21,8 @@
 %     outliers    a fifth of the corners in wrong places, with and without a robust loss
 %     bearings    a wide-angle camera, some directions more than 90 degrees off its axis
 %     colmap      a whole COLMAP model, read from its files and refined on two processes
+%     convergence all ten rotation types on six photographs of a chessboard
+%     conventions the frames, the image and directions, drawn from one pose
 %
 %   See also kelvane_refine, kelvane_batch, kelvane_plot, kelvane_mex.
 
@@ -31,7 +33,9 @@ function files = kelvane_demo(name, folder)
            'types', 'the seven rotation types for pixels racing on one view'
            'outliers', 'a fifth of the corners in wrong places, with and without a robust loss'
            'bearings', 'a wide-angle camera, some directions more than 90 degrees off its axis'
-           'colmap', 'a whole COLMAP model, read from its files and refined on two processes'};
+           'colmap', 'a whole COLMAP model, read from its files and refined on two processes'
+           'convergence', 'all ten rotation types on six photographs of a chessboard'
+           'conventions', 'the frames, the image and directions, drawn from one pose'};
   files = {};
   if nargin < 1
     rows = demos';

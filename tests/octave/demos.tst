@@ -76,6 +76,31 @@
 %!   assert(all(rows(:, 5) < 0.15 & rows(:, 6) < 0.3));
 %! end
 
+%!test  % convergence: every type but 3 ends at the least RMS of every view
+%! if can_draw()
+%!   [text, names] = run_demo('convergence');
+%!   assert(names, {'convergence_of_types.png'});
+%!   lines = strsplit(text, "\n");
+%!   rows = lines(~cellfun('isempty', regexp(lines, '^ *-?\d+ [aq]')));
+%!   assert(numel(rows), 10);
+%!   for row = rows
+%!     above = str2double(regexp(row{1}, '\S+$', 'match', 'once'));
+%!     converged = ~any(regexp(row{1}, '\d- '));
+%!     arrives = isempty(strfind(row{1}, ' 3 qn '));
+%!     assert(converged == arrives && (above < 1e-10) == arrives, row{1});
+%!   end
+%! end
+
+%!test  % conventions: the printed centre, point and pixel fit the formulas on the page of the conventions
+%! if can_draw()
+%!   [text, names] = run_demo('conventions');
+%!   assert(names, {'conventions_bearings.png', 'conventions_frames.png', 'conventions_pixels.png'});
+%!   numbers = str2double(regexp(text(1:strfind(text, ')' )(end)), '-?\d+\.\d+', 'match'));
+%!   p = numbers(10:12);
+%!   assert(numbers(13:14), 700 * p(1:2) / p(3) + [320, 240], 0.05);
+%!   assert(norm(numbers(7:9) - numbers(1:3)), norm(p), 2e-3);
+%! end
+
 %!test  % types, by its name in any capitals, with the path left as it was
 %! if can_draw()
 %!   before = path();

@@ -71,7 +71,7 @@
 %!test  % no example escapes: all fences are of a known kind, and no call of a function is in a block without a fence
 %! for page = all_pages()
 %!   blocks = blocks_of(page{1});
-%!   known = {'', 'octave', 'matlab', 'sh', 'text'};
+%!   known = {'', 'octave', 'matlab', 'cmake', 'cpp', 'sh', 'text'};
 %!   assert(all(ismember({blocks.language}, known)), page{1});
 %!   assert(2 * numel(blocks), numel(regexp(text_of_page(page{1}), '^```', 'lineanchors')), page{1});
 %!   bare = '^ {4,}(addpath|.*kelvane_\w+\().*$';

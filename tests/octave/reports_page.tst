@@ -1,0 +1,109 @@
+% SPDX-License-Identifier: BSD-3-Clause
+% docs/reports.md lists every message that a user can get, word for word, and none that is not in the sources.
+
+%!function folder = project()
+%!  folder = fileparts(fileparts(which('kelvane_refine')));
+%!endfunction
+
+%!function text = sources(folder, pattern)  % without tests and comments, with the pieces of each text joined
+%!  text = '';
+%!  for file = glob(fullfile(project(), folder, pattern))'
+%!    lines = strsplit(fileread(file{1}), "\n");
+%!    text = [text, strjoin(lines(cellfun('isempty', regexp(lines, '^\s*(%|//|#)'))), "\n"), "\n"];
+%!  end
+%!  text = regexprep(text, {'''\s*\.\.\.\n\s*''', '"\s*\n\s*"'}, '');
+%!endfunction
+
+%!function text = functions()
+%!  text = [sources('matlab', 'kelvane_*.m'), sources('matlab/private', '*.m')];
+%!endfunction
+
+%!function text = module()
+%!  text = [sources('pose_refinement', '*.cpp'), sources('.', 'kelvane_mex.cpp'), ...
+%!          sources('camera_pose', 'camera_position_opt_func.cpp')];
+%!endfunction
+
+%!function text = page()
+%!  text = fileread(fullfile(project(), 'docs', 'reports.md'));
+%!endfunction
+
+%!function listed = messages_of_page(first_heading, end_heading)  % in the columns of messages
+%!  part = regexp(page(), [first_heading, '\n(.*?)\n', end_heading], 'tokens', 'once'){1};
+%!  rows = regexp(part, '^\|[^\n]*$', 'match', 'lineanchors');
+%!  listed = {};
+%!  for row = rows
+%!    found = regexp(row{1}, '\| `([^`]* [^`]*)`', 'tokens', 'once');
+%!    if ~isempty(found)
+%!      listed{end + 1} = found{1};
+%!    end
+%!  end
+%!endfunction
+
+%!test  % every text in an error of an m-file is on the page, and so is every identifier
+%! code = functions();
+%! calls = regexp(code, '\<(error|file_error|fail_at|warning)\((.*?)\);\n', 'tokens');
+%! assert(numel(calls) > 80);
+%! text = page();
+%! for call = calls
+%!   texts = regexp(call{1}{2}, '''((?:[^''\n]|'''')*)''', 'tokens');
+%!   for words = [texts{:}]
+%!     words = strrep(words{1}, '''''', '''');
+%!     is_message = any(words == ' ') && ~isempty(regexp(words, '[A-Za-z]{2}', 'once'));
+%!     if is_message || strncmp(words, 'kelvane:', 8)
+%!       assert(~isempty(strfind(text, words)), ['not on the page: ', words]);
+%!     end
+%!   end
+%! end
+%! for identifier = unique(regexp(code, 'kelvane:[A-Za-z]+', 'match'))
+%!   assert(~isempty(strfind(text, identifier{1})), ['not on the page: ', identifier{1}]);
+%! end
+
+%!test  % every message and identifier on the page is in the m-files
+%! code = strrep(functions(), '''''', '''');
+%! listed = messages_of_page('## Messages of the m-files', '### Batches');
+%! listed = [listed, messages_of_page('## Exits of kelvane_refine', '## Messages of the m-files')];
+%! assert(numel(listed) > 70);
+%! for words = listed
+%!   assert(~isempty(strfind(code, words{1})), ['not in the sources: ', words{1}]);
+%! end
+%! for identifier = unique(regexp(page(), '`kelvane:[A-Za-z]+', 'match'))
+%!   assert(~isempty(strfind(code, identifier{1}(2:end))), ['not in the sources: ', identifier{1}]);
+%! end
+
+%!test  % every text that the module can put into a report is on the page
+%! text = page();
+%! texts = regexp(sources('pose_refinement', '*.cpp'), '"([^"\n]*)"', 'tokens');
+%! texts = [texts, regexp(sources('.', 'kelvane_mex.cpp'), '"([^"\n]*)"', 'tokens')];
+%! pieces = {};
+%! for words = [texts{:}]
+%!   pieces = [pieces, strtrim(strsplit(words{1}, '\\n'))];
+%! end
+%! assert(numel(pieces) > 40);
+%! for piece = pieces(cellfun(@(words) any(words == ' '), pieces))
+%!   assert(~isempty(strfind(text, piece{1})), ['not on the page: ', piece{1}]);
+%! end
+
+%!test  % every message and every line of the module on the page is in the sources
+%! code = module();
+%! listed = messages_of_page('## Messages of kelvane_mex', '## Exits of kelvane_refine');
+%! listed = listed(cellfun('isempty', strfind(listed, 'under-determined')));  % is OpenCV's
+%! assert(numel(listed) >= 15);
+%! for words = listed
+%!   pieces = strtrim(regexp(words{1}, '<[^<>]*>', 'split'));
+%!   for piece = pieces(~cellfun('isempty', pieces))
+%!     assert(~isempty(strfind(code, piece{1})), ['not in the sources: ', piece{1}]);
+%!   end
+%! end
+%! sites = [sources('pose_refinement', 'sites.h'), sources('camera_pose', 'camera_position_opt_func.*')];
+%! lines = regexp(page(), '(?<=^\| |, )\d{4}(?=(, \d{4})? \|)', 'match', 'lineanchors');
+%! assert(numel(lines) >= 16);
+%! for line = lines
+%!   assert(~isempty(regexp(sites, ['\<', line{1}, '\>'], 'once')), ['no site: ', line{1}]);
+%! end
+%! for line = regexp(sources('pose_refinement', 'sites.h'), '(?<=file, )\d+', 'match')
+%!   assert(~isempty(strfind(page(), line{1})), ['not on the page: ', line{1}]);
+%! end
+
+%!test  % the short report on the page is the real one
+%! message = caught({[0.1 0.2 0.3, 0 0 -3, 500 320 240], [0 1; 0 0; 0 0.1], [1 2 3; 4 5 6]});
+%! assert(~isempty(strfind(page(), strrep(message, 'kelvane_mex: ', ''))));
