@@ -17,10 +17,9 @@ source_date() {
 stage() {
   target=$1
   shift
-  find "$@" -type f ! -name '.*' ! -name '*.mex*' ! -name '*.o' ! -name 'octave-workspace' | while read -r file; do
-    mkdir -p "$target/$(dirname "$file")"
-    cp "$file" "$target/$file"
-  done
+  mkdir -p "$target"
+  find "$@" -type f ! -name '.*' ! -name '*.mex*' ! -name '*.o' ! -name 'octave-workspace' | tar -cf - -T - |
+    tar -xf - -C "$target"
 }
 
 # stage_module FOLDER: all that CMake or kelvane_build needs to build the module

@@ -220,6 +220,18 @@ TEST(TupleReaders, RefuseAnEmptyText) {
   EXPECT_EQ(support::caught_by([&] { stream >> size; }).text, "cv::Size input operator : first char was  not (\n");
 }
 
+TEST(TupleReaders, TakeEveryDigitAndNothingNextToThem) {
+  const auto read = [](const std::string& text) {
+    std::istringstream stream(text);
+    cv::Rect rectangle;
+    stream >> rectangle;
+    return stream.good();
+  };
+  EXPECT_TRUE(read("(0123456789,0,9,90)"));
+  EXPECT_THROW(read("(/,0,0,0)"), std::logic_error);  // the characters before 0 and behind 9
+  EXPECT_THROW(read("(:,0,0,0)"), std::logic_error);
+}
+
 TEST(TupleReaders, SkipBlanksWhateverTheStreamSays) {
   std::istringstream stream("( 3 , 4 , 5 , 6 )");
   stream >> std::noskipws;
