@@ -9,7 +9,7 @@ if(TARGET kelvane_mex_octave AND CMAKE_BUILD_TYPE STREQUAL "Release" AND CMAKE_C
   add_test(NAME module/symbols
     COMMAND sh "${CMAKE_CURRENT_SOURCE_DIR}/module/symbols_test" "$<TARGET_FILE:kelvane_mex_octave>")
 endif()
-if(TARGET kelvane_mex_octave AND OctaveCli_PROGRAM AND NOT KELVANE_SANITIZE AND NOT KELVANE_SANITIZE_THREADS)
+if(TARGET kelvane_mex_octave AND OctaveCli_PROGRAM)
   set(arguments "${OctaveCli_PROGRAM}" "$<TARGET_FILE_DIR:kelvane_mex_octave>" "${CMAKE_CURRENT_SOURCE_DIR}")
   add_test(NAME module/environment
     COMMAND sh "${CMAKE_CURRENT_SOURCE_DIR}/module/environment_test" ${arguments})
