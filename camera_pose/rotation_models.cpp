@@ -53,6 +53,7 @@ constexpr double unit_vectors[3][3] = {{1, 0, 0}, {0, 1, 0}, {0, 0, 1}};
 
 /// The quaternion's rotation matrix before any normalisation, and its derivatives (Eq. 15).
 Rotation_model<4> unscaled_quaternion_model(double x, double y, double z, double w) {
+  // Laid out as the matrices that they are.
   // clang-format off
   return {
       {{x * x - y * y - z * z + w * w, 2 * (x * y - z * w), 2 * (x * z + y * w)},

@@ -20,8 +20,9 @@ endif()
 # list of exports hides them. Once loaded it stays in memory: OpenCV frees none of what it sets up once, so each time it was
 # loaded anew would cost two kilobytes, and it has the C library call it when a thread ends.
 function(kelvane_make_self_contained target)
-  target_sources(${target} PRIVATE "${PROJECT_SOURCE_DIR}/self_contained/old_libstdcxx.cpp")
-  target_link_options(${target} PRIVATE LINKER:--gc-sections LINKER:--strip-all LINKER:-z,nodelete)
+  target_sources(${target} PRIVATE "${PROJECT_SOURCE_DIR}/self_contained/old_libstdcxx.cpp"
+                                   "${PROJECT_SOURCE_DIR}/self_contained/no_environment.cpp")
+  target_link_options(${target} PRIVATE LINKER:--gc-sections LINKER:--strip-all LINKER:-z,nodelete LINKER:--wrap=getenv)
   # The oldest versions are these on this processor only.
   if(CMAKE_SYSTEM_PROCESSOR STREQUAL "x86_64")
     target_sources(${target} PRIVATE "${PROJECT_SOURCE_DIR}/self_contained/old_glibc.cpp")

@@ -2,6 +2,7 @@
 // A call of the module decoded from bytes: a good one of some type and size, spoiled step by step.
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <string>
 #include <utility>
@@ -23,16 +24,18 @@ class Spoiled_call {
     const std::size_t num_points = bytes.choice(max_points + 1);
     arrays_ = trust::good_inputs(type, num_points, bytes.choice(2) == 0);
     error_call_ = trust::all_error_calls[bytes.choice(2)];
-    const std::size_t num_inputs = 6 - bytes.choice(7);  // zeros make a whole call
-    num_outputs_ = 1 - static_cast<int>(bytes.choice(4));
+    const std::size_t num_inputs = all_num_inputs[bytes.choice(all_num_inputs.size())];  // zeros make a whole call
+    num_outputs_ = all_num_outputs[bytes.choice(all_num_outputs.size())];
     for (const mxArray& array : arrays_) inputs_.push_back(&array);
     while (!bytes.is_empty()) spoil(bytes);
-    inputs_.resize(num_inputs);
+    inputs_.resize(num_inputs, &arrays_.front());
   }
 
   mex_host::Result run() const { return mex_host::call_by_address(inputs_, num_outputs_, error_call_); }
 
  private:
+  static constexpr std::array<std::size_t, 9> all_num_inputs{6, 5, 4, 3, 2, 1, 0, 7, 40};
+  static constexpr std::array<int, 5> all_num_outputs{1, 0, 2, 40, -1};
   static constexpr std::size_t max_points = 40;
   static constexpr std::size_t max_size = 32;
 

@@ -110,6 +110,7 @@ TEST(FullJacobian, HasTheIdentityForTheTranslation) {
   cv::Mat_<double> J(4, 3);
   for (int i = 0; i < 12; ++i) J(i / 3, i % 3) = i + 1;
   const cv::Mat_<double> full = fw::convert_rot_jac_to_full_jac(J);
+  // Laid out as the matrix that it is.
   // clang-format off
   EXPECT_TRUE(is_close(full, table(7, 6, { 1,  2,  3, 0, 0, 0,
                                            4,  5,  6, 0, 0, 0,

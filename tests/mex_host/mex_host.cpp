@@ -162,6 +162,9 @@ Result call_by_address(const std::vector<const mxArray*>& inputs, int num_output
 
   Result result;
   if (output_pointers[0] != nullptr) result.output = *output_pointers[0];
+  for (std::size_t i = 1; i < output_pointers.size(); ++i) {
+    if (output_pointers[i] != nullptr) result.has_assigned_other_outputs = true;
+  }
   result.identifier = this_call.identifier;
   result.message = this_call.message;
   result.forbidden_access = this_call.forbidden_access;

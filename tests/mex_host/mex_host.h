@@ -38,6 +38,7 @@ struct Result {
   std::string identifier;         // empty when no error was raised
   std::string message;
   bool has_changed_inputs = false;
+  bool has_assigned_other_outputs = false;  // any but the first
   std::string forbidden_access;  // the first host function that was called on an array that has nothing to give
 };
 

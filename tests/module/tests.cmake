@@ -1,6 +1,8 @@
 # SPDX-License-Identifier: BSD-3-Clause
 # The built module and its sources as files.
 add_test(NAME module/layers COMMAND sh "${CMAKE_CURRENT_SOURCE_DIR}/module/layers_test" "${PROJECT_SOURCE_DIR}")
+add_test(NAME module/suppressions
+  COMMAND sh "${CMAKE_CURRENT_SOURCE_DIR}/module/suppressions_test" "${PROJECT_SOURCE_DIR}")
 add_test(NAME module/install_missing
   COMMAND sh "${CMAKE_CURRENT_SOURCE_DIR}/module/install_missing_test" "${PROJECT_SOURCE_DIR}")
 # Instrumentation brings symbols of its own, and other compilers and settings leave others open.

@@ -25,14 +25,14 @@ struct Table {
 
   Table(const std::vector<double>& vector)  // NOLINT(google-explicit-constructor): a matcher's argument
       : rows(vector.size()), columns(1), values(vector) {}
-  Table(const fw::matrix<double>& m)  // NOLINT(google-explicit-constructor)
+  Table(const fw::matrix<double>& m)  // NOLINT(google-explicit-constructor): the same
       : rows(static_cast<std::size_t>(m.get_dim1())), columns(static_cast<std::size_t>(m.get_dim2())) {
     for (int i = 0; i < m.get_dim1(); ++i) {
       const double* row = m[static_cast<unsigned>(i)];
       values.insert(values.end(), row, row + m.get_dim2());
     }
   }
-  Table(const cv::Mat& m)  // NOLINT(google-explicit-constructor)
+  Table(const cv::Mat& m)  // NOLINT(google-explicit-constructor): the same
       : rows(static_cast<std::size_t>(m.rows)), columns(static_cast<std::size_t>(m.cols)) {
     for (int i = 0; i < m.rows; ++i) values.insert(values.end(), m.ptr<double>(i), m.ptr<double>(i) + m.cols);
   }

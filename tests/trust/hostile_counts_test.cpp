@@ -56,9 +56,12 @@ TEST(HostileCounts, TooFewPointsAreReported) {
 
 TEST(HostileCounts, AMillionPointsAreRefined) {
   support::Captured_output output;
-  const Result result = mex_host::call(good_inputs(0, million));
-  EXPECT_TRUE(ends_well(result));
-  EXPECT_TRUE(is_pose(result));
+  for (const int type : {0, 10, -1}) {  // pixels, bearing vectors, every equation three times
+    SCOPED_TRACE("type " + std::to_string(type));
+    const Result result = mex_host::call(good_inputs(type, million, type != 10));
+    EXPECT_TRUE(ends_well(result));
+    EXPECT_TRUE(is_pose(result));
+  }
   EXPECT_EQ(output.text(), "");
 }
 

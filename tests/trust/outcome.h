@@ -26,6 +26,7 @@ inline testing::AssertionResult ends_well(const mex_host::Result& result) {
     return testing::AssertionFailure() << what << "; message: " << result.message;
   };
   if (result.has_changed_inputs) return refused("an input was changed");
+  if (result.has_assigned_other_outputs) return refused("an output was assigned that is none of ours");
   if (!result.forbidden_access.empty()) return refused(result.forbidden_access + " of an array without data");
   if (is_report(result) == is_pose(result)) return refused("neither a pose nor a report, or both");
   return testing::AssertionSuccess();

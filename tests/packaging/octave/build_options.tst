@@ -46,9 +46,9 @@
 %! end
 %! [~, calls] = kelvane_build('DryRun', true, 'OpenCV', folder);
 %! files = cellfun(@(call) call{end}, calls(1:end - 1), 'UniformOutput', false);
-%! own = {'self_contained/old_glibc.cpp', 'self_contained/old_libstdcxx.cpp'};
+%! own = {'self_contained/no_environment.cpp', 'self_contained/old_glibc.cpp', 'self_contained/old_libstdcxx.cpp'};
 %! assert(sort(files(strncmp(files, 'self_contained', 14))), own);
-%! flags = {'--gc-sections', '--strip-all', '-z,nodelete', '--wrap=pow', '--wrap=pthread_key_create'};
+%! flags = {'--gc-sections', '--strip-all', '-z,nodelete', '--wrap=getenv', '--wrap=pow', '--wrap=pthread_key_create'};
 %! assert(all(ismember(strcat('-Wl,', flags), calls{end})));
 %! assert(~any(strncmp(calls{end}, '-Wl,-rpath', 10)));
 
