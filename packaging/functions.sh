@@ -9,7 +9,7 @@ source_date() {
   if [ -n "${SOURCE_DATE_EPOCH:-}" ]; then
     echo "$SOURCE_DATE_EPOCH"
   else
-    git log -1 --format=%ct 2>/dev/null || date -r CHANGELOG.md +%s
+    { [ -e .git ] && git log -1 --format=%ct 2>/dev/null; } || date -r CHANGELOG.md +%s
   fi
 }
 

@@ -51,14 +51,14 @@ class Links_to_sources(SphinxTransform):
         return f"source/{name}"
 
 
-def listed(folder):
-    """What belongs to the project: what git knows, or everything where there is no git."""
-    try:
+def listed(root, folder):
+    """What belongs to the project: what its own repository knows, or everything in sources that were unpacked."""
+    if (root / ".git").exists():
         command = ["git", "ls-files", "--cached", "--others", "--exclude-standard"]
         output = subprocess.run(command, cwd=folder, check=True, capture_output=True, text=True).stdout
         names = output.split("\n")[:-1]
-    except (OSError, subprocess.CalledProcessError):
-        names = [path.relative_to(folder).as_posix() for path in folder.rglob("*") if path.is_file()]
+    else:
+        names = [path.relative_to(folder).as_posix() for path in folder.rglob("*")]
     return sorted(name for name in names if (folder / name).is_file())
 
 
@@ -84,7 +84,7 @@ def pages(app):
     linked = getattr(app.env, "linked_sources", set())
     files = {name for name in linked if (root / name).is_file()}
     for folder in sorted(linked - files):
-        inside = listed(root / folder)
+        inside = listed(root, root / folder)
         files.update(f"{folder}/{name}" for name in inside)
         rows = "".join(f'<li><a href="{folder.split("/")[-1]}/{name}.html">{name}</a></li>\n' for name in inside)
         yield page_with(folder, f"<ul>\n{rows}</ul>")
