@@ -7,7 +7,7 @@
 %   told, and saves bearings.png in folder, which must exist. Needs kelvane_refine. No screen is needed.
 %
 %   Example
-%     bearings_demo(tempdir());
+%     bearings_demo('.');
 %
 %   See also kelvane_demo, kelvane_refine, kelvane_plot.
 

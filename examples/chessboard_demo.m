@@ -9,7 +9,7 @@
 %   least RMS. No screen is needed.
 %
 %   Example
-%     chessboard_demo(tempdir());
+%     chessboard_demo('.');
 %
 %   See also kelvane_mex, chessboard_view, types_demo.
 

@@ -6,11 +6,12 @@
 %
 %   Reads the model in the folder model, moves every pose by 2 degrees and 3 % of its distance to the points, refines all
 %   of them with Huber's loss, and prints a table. Without a model a small one of our own making is used: 12 photographs of
-%   a house. Saves colmap.png in folder, which must exist: the model with its cameras before and after. Needs kelvane_batch,
-%   and Octave's package parallel or MATLAB's Parallel Computing Toolbox for more than one process. No screen is needed.
+%   a house, in folder for as long as it is needed. Saves colmap.png in folder, which must exist: the model with its cameras
+%   before and after. Needs kelvane_batch, and Octave's package parallel or MATLAB's Parallel Computing Toolbox for more
+%   than one process. No screen is needed.
 %
 %   Example
-%     colmap_demo(tempdir());
+%     colmap_demo('.');
 %
 %   See also kelvane_demo, kelvane_read_colmap, kelvane_batch.
 
@@ -19,7 +20,11 @@
 function colmap_demo(folder, model, num_processes)
   quiet = picture_toolkit(); %#ok<NASGU>
   if nargin < 2 || isempty(model)
-    model = tempname();
+    model = tempname(folder);
+    [made, message] = mkdir(model);
+    if ~made || ~isempty(message)
+      error('kelvane:demo', 'The folder %s cannot be made: %s.', model, message);
+    end
     removing = onCleanup(@() remove_model(model)); %#ok<NASGU>
     write_house_model(model);
   end
@@ -88,7 +93,7 @@ end
 function remove_model(model)
   names = {'cameras.txt', 'images.txt', 'points3D.txt'};
   for k = 1:3
-    delete(fullfile(model, names{k}));
+    remove_file(fullfile(model, names{k}));
   end
   rmdir(model);
 end

@@ -7,7 +7,7 @@
 %   conventions_pixels.png and conventions_bearings.png in folder, which must exist. No screen is needed.
 %
 %   Example
-%     conventions_demo(tempdir());
+%     conventions_demo('.');
 %
 %   See also kelvane_demo, kelvane_pose, kelvane_project.
 

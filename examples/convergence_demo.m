@@ -8,7 +8,7 @@
 %   must exist. Needs kelvane_refine. No screen is needed.
 %
 %   Example
-%     convergence_demo(tempdir());
+%     convergence_demo('.');
 %
 %   See also kelvane_demo, kelvane_types, types_demo.
 

@@ -7,7 +7,7 @@
 %   Tukey's. Needs kelvane_refine. No screen is needed.
 %
 %   Example
-%     outliers_demo(tempdir());
+%     outliers_demo('.');
 %
 %   See also kelvane_demo, kelvane_refine, kelvane_plot.
 

@@ -6,7 +6,7 @@
 %   chessboard_all_types.png in folder, which must exist. No screen is needed.
 %
 %   Example
-%     types_demo(tempdir());
+%     types_demo('.');
 %
 %   See also kelvane_demo, chessboard_demo, kelvane_types.
 

@@ -6,8 +6,8 @@
 %   files = kelvane_demo(...)
 %
 %   Without a name they are listed. name is one of the list, or 'all'. Each takes a few seconds, prints what it finds and
-%   saves pictures (PNG) in folder, by default the folder kelvane_demo below the one for temporary files; a folder that is
-%   not there is made. The demos lie in the folder examples, one function each: read them.
+%   saves pictures (PNG) in folder, which is made where it is not there, and in which no picture is replaced; without
+%   folder in a new one below that for temporary files. The demos lie in the folder examples, one function each: read them.
 %
 %   files is a 1 x n cell with the pictures that were saved.
 %
@@ -29,38 +29,61 @@
 % SPDX-License-Identifier: BSD-3-Clause
 % The one door to all demos.
 function files = kelvane_demo(name, folder)
-  demos = {'chessboard', 'six photographs of a chessboard, refined with four rotation types'
-           'types', 'the seven rotation types for pixels racing on one view'
-           'outliers', 'a fifth of the corners in wrong places, with and without a robust loss'
-           'bearings', 'a wide-angle camera, some directions more than 90 degrees off its axis'
-           'colmap', 'a whole COLMAP model, read from its files and refined on two processes'
-           'convergence', 'all ten rotation types on six photographs of a chessboard'
-           'conventions', 'the frames, the image and directions, drawn from one pose'};
+  demos = all_demos();
   files = {};
   if nargin < 1
-    rows = demos';
+    rows = [{demos.name}; {demos.what}];
     fprintf('%-11s %s\n', rows{:});
-    return_nothing = nargout == 0;
   else
-    chosen = {one_of(name, [demos(:, 1)', {'all'}], 'kelvane:demo', 'demo')};
-    if strcmp(chosen{1}, 'all')
-      chosen = demos(:, 1)';
+    if ~strcmpi(name, 'all')
+      demos = demos(strcmp(one_of(name, [{demos.name}, {'all'}], 'kelvane:demo', 'demo'), {demos.name}));
     end
+    pictures = unique([demos.pictures]);
     if nargin < 2
-      folder = fullfile(tempdir(), 'kelvane_demo');
+      folder = tempname();
+      make_private_folder(folder);
+      tidying = onCleanup(@() remove_if_empty(folder)); %#ok<NASGU>
+    else
+      folder = checked_folder(folder, pictures);
     end
-    files = run_demos(chosen, checked_text(folder, 'folder'));
-    return_nothing = nargout == 0;
+    run_demos({demos.name}, folder);
+    files = fullfile(folder, pictures);
   end
-  if return_nothing
+  if nargout == 0
     clear files
   end
 end
 
-function files = run_demos(names, folder)
-  if ~exist(folder, 'dir')
-    mkdir(folder);
+% Their names, what they show, and the pictures that they save.
+function demos = all_demos()
+  list = {'chessboard', 'six photographs of a chessboard, refined with four rotation types', ...
+          {'chessboard_all_types.png', 'chessboard_convergence.png', 'chessboard_corners.png'}
+          'types', 'the seven rotation types for pixels racing on one view', {'chessboard_all_types.png'}
+          'outliers', 'a fifth of the corners in wrong places, with and without a robust loss', {'outliers.png'}
+          'bearings', 'a wide-angle camera, some directions more than 90 degrees off its axis', {'bearings.png'}
+          'colmap', 'a whole COLMAP model, read from its files and refined on two processes', {'colmap.png'}
+          'convergence', 'all ten rotation types on six photographs of a chessboard', {'convergence_of_types.png'}
+          'conventions', 'the frames, the image and directions, drawn from one pose', ...
+          {'conventions_bearings.png', 'conventions_frames.png', 'conventions_pixels.png'}};
+  demos = struct('name', list(:, 1), 'what', list(:, 2), 'pictures', list(:, 3));
+end
+
+% A folder that the user names, made where it is not there; an error before anything is written where a picture is in it.
+function folder = checked_folder(folder, pictures)
+  folder = checked_text(folder, 'folder');
+  there = pictures(cellfun(@(name) exist(fullfile(folder, name), 'file') ~= 0, pictures));
+  if ~isempty(there)
+    error('kelvane:demo', 'No picture is replaced, and %s holds %s. Remove it, or name another folder.', folder, ...
+          strjoin(there, ', '));
   end
+  ensure_folder(folder);
+end
+
+function remove_if_empty(folder)
+  [~, ~] = rmdir(folder);
+end
+
+function run_demos(names, folder)
   examples = folder_of_examples();
   added = isempty(strfind([pathsep(), path(), pathsep()], [pathsep(), examples, pathsep()])); %#ok<STREMP>
   if added
@@ -71,8 +94,6 @@ function files = run_demos(names, folder)
     fprintf('--- %s\n', names{k});
     feval([names{k}, '_demo'], folder);
   end
-  pictures = dir(fullfile(folder, '*.png'));
-  files = fullfile(folder, {pictures.name});
 end
 
 % Beside this folder in the project, within it in a package.

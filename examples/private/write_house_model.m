@@ -1,8 +1,7 @@
 % SPDX-License-Identifier: BSD-3-Clause
-% Writes a COLMAP model of 12 photographs of a house (10 wide and deep, 6 high, the ridge at 9) into a new folder: one camera
-% with radial distortion, pixels with noise of half a pixel and two decimals.
+% Writes a COLMAP model of 12 photographs of a house (10 wide and deep, 6 high, the ridge at 9) into a folder: one camera with
+% radial distortion, pixels with noise of half a pixel and two decimals.
 function write_house_model(folder)
-  mkdir(folder);
   [points, normals] = house_points();
   f = 900; cx = 640; cy = 480; k1 = -0.08;
   write_lines(folder, 'cameras.txt', {sprintf('1 SIMPLE_RADIAL 1280 960 %g %g %g %g', f, cx, cy, k1)});
@@ -53,7 +52,5 @@ function [Q, s] = looking_at_house(i)
 end
 
 function write_lines(folder, name, lines)
-  file = fopen(fullfile(folder, name), 'w');
-  fprintf(file, '%s\n', lines{:});
-  fclose(file);
+  write_whole(fullfile(folder, name), sprintf('%s\n', lines{:}));
 end

@@ -14,6 +14,7 @@
 %!  removing = onCleanup(@() rmdir(folder, 's'));
 %!  text = evalc('files = kelvane_demo(name, folder);');
 %!  names = cellfun(@(file) file(numel(folder) + 2:end), files, 'UniformOutput', false);
+%!  assert(names, setdiff(readdir(folder), {'.', '..'})');
 %!  for file = files
 %!    pixels = imread(file{1});
 %!    assert(size(pixels, 2) >= 900);

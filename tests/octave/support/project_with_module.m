@@ -17,6 +17,7 @@ function [folder, removing] = project_with_module()
   symlink(fileparts(which('kelvane_mex')), fullfile(folder, 'build', 'release'));
   start = cd(fullfile(project, 'examples', 'private'));
   back = onCleanup(@() cd(start));
+  mkdir(folder, 'model');
   write_house_model(fullfile(folder, 'model'));
 end
 
