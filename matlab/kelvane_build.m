@@ -22,7 +22,8 @@
 %
 %   Example:
 %     [file, calls] = kelvane_build('DryRun', true, 'Output', 'here');
-%     fprintf('%s after mex %s ... %s\n', file(1:16), calls{1}{[1, end]});
+%     [~, source] = fileparts(calls{1}{end});
+%     fprintf('%s after mex %s ... %s.cpp\n', file(1:16), calls{1}{1}, source);
 %   Output:
 %     here/kelvane_mex after mex -c ... kelvane_mex.cpp
 %
@@ -42,22 +43,22 @@ function [file, calls] = kelvane_build(varargin)
   end
   hosts = {'matlab', 'octave'};
   host = hosts{1 + (exist('OCTAVE_VERSION', 'builtin') ~= 0)};
-  objects = tempname();
   opencv = find_opencv(options.OpenCV);
   is_static = ~exist(fullfile(opencv.library, 'libopencv_core.so'), 'file');
   [sources, opencv.flags] = build_sources(project, is_static);
   if ~is_static
     opencv.flags = {['-Wl,-rpath,', opencv.library]};
   end
-  calls = build_calls(host, sources, objects, opencv, options.LinkOptions);
-  name = ['kelvane_mex.', mexext()];
-  file = fullfile(options.Output, name);
+  places = build_places(host, project, options.Output);
+  calls = build_calls(host, sources, places, opencv, options.LinkOptions);
+  file = fullfile(options.Output, ['kelvane_mex.', mexext()]);
   if ~options.DryRun
-    file = fullfile(absolute_folder(options.Output), name);
-    mkdir(objects);
-    clean = onCleanup(@() remove_objects(objects));
-    build(project, objects, calls, strcmp(options.Display, 'iter'));
-    replace_module(fullfile(objects, name), file);
+    steps = {};
+    if strcmp(options.Display, 'iter')
+      steps = [{sources.file}, {'linking'}];
+    end
+    ensure_folder(options.Output);
+    file = build(project, absolute_folder(options.Output), places, calls, steps);
   end
   if nargout == 0
     clear file calls;
@@ -98,45 +99,59 @@ function folder = first_with(prefix, folders, files)
 end
 
 function folder = absolute_folder(folder)
-  if ~exist(folder, 'dir')
-    mkdir(folder);
+  if exist('OCTAVE_VERSION', 'builtin')
+    folder = canonicalize_file_name(folder);  % fileattrib would take it for a pattern
+  else
+    [~, attributes] = fileattrib(folder);
+    folder = attributes.Name;
   end
-  [~, attributes] = fileattrib(folder);
-  folder = attributes.Name;
 end
 
-function build(project, objects, calls, shows)
-  start = pwd();
-  back = onCleanup(@() cd(start));
-  cd(project);  % a path of the user's may hold blanks, which mex of Octave does not quote
+% The module is linked beside its place and renamed in one step: one that is loaded must not be written over.
+function file = build(project, output, places, calls, steps)
+  make_private_folder(places.objects);
+  file = fullfile(output, ['kelvane_mex.', mexext()]);
+  part = fullfile(output, [places.name, '.', mexext()]);
+  finishing = onCleanup(@() remove_all(places.objects, part));
+  [stream, message] = fopen(part, 'w');  % before the minutes that compiling takes
+  if stream < 0
+    error('kelvane:build', 'The module cannot be written to %s: %s', file, message);
+  end
+  fclose(stream);
+  if exist('OCTAVE_VERSION', 'builtin')
+    symlink(project, places.project);
+    symlink(output, places.output);
+  end
   for i = 1:numel(calls)
-    if shows && i < numel(calls)
-      fprintf('[%d/%d] %s\n', i, numel(calls), calls{i}{end});
-    elseif shows
-      fprintf('[%d/%d] linking\n', i, numel(calls));
+    if ~isempty(steps)
+      fprintf('[%d/%d] %s\n', i, numel(calls), steps{i});
     end
     mex(calls{i}{:});
   end
-end
-
-% A module that is loaded must not be written over.
-function replace_module(new, file)
   clear('kelvane_mex');
-  if exist(file, 'file')
-    delete(file);
+  if exist('OCTAVE_VERSION', 'builtin')
+    [failed, message] = rename(part, file);  % movefile would take the names for patterns
+  else
+    [done, message] = movefile(part, file, 'f');
+    failed = ~done;
   end
-  [done, message] = movefile(new, file);
-  if ~done
+  if failed
     error('kelvane:build', 'The module cannot be written to %s: %s', file, message);
   end
   rehash();  % the host has seen this folder without the module
 end
 
-function remove_objects(objects)
-  if numel(dir(objects)) > 2  % more than . and ..
-    delete(fullfile(objects, '*'));
+% Links first, so that nothing behind them is touched.
+function remove_all(objects, part)
+  if exist('OCTAVE_VERSION', 'builtin')
+    for file = {fullfile(objects, 'project'), fullfile(objects, 'output'), part}
+      [~, ~] = unlink(file{1});
+    end
+    confirm_recursive_rmdir(false, 'local');
+  elseif exist(part, 'file')
+    delete(part);
   end
-  rmdir(objects);
+  rmdir(objects, 's');
 end
 
 %!test  % nothing is compiled in a dry run

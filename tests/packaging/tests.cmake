@@ -20,7 +20,7 @@ if(TARGET kelvane_mex_octave AND OctaveCli_PROGRAM)
   kelvane_add_packaging_test(octave_install)
   kelvane_add_packaging_test(mex_build "$<TARGET_FILE_DIR:kelvane_mex_octave>")
   set_tests_properties(packaging/mex_build PROPERTIES SKIP_RETURN_CODE 77)
-  foreach(topic IN ITEMS build_options function_signatures)
+  foreach(topic IN ITEMS build_options build_folders function_signatures)
     kelvane_add_octave_test(${topic} "addpath('${CMAKE_CURRENT_SOURCE_DIR}/packaging/octave');
       run_tests('${CMAKE_CURRENT_SOURCE_DIR}/packaging/octave/${topic}.tst')")
   endforeach()
