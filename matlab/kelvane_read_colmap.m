@@ -43,8 +43,9 @@ function problems = kelvane_read_colmap(folder)
   end
   folder = checked_text(folder, 'folder');
   if ~exist(fullfile(folder, 'cameras.txt'), 'file') && exist(fullfile(folder, 'cameras.bin'), 'file')
+    in_shell = ['''', strrep(folder, '''', '''\'''''), ''''];
     error('kelvane:file', ['%s holds a binary model. Turn it into text: colmap model_converter --input_path %s ' ...
-          '--output_path %s --output_type TXT'], folder, folder, folder);
+          '--output_path %s --output_type TXT'], folder, in_shell, in_shell);
   end
   cameras = read_colmap_cameras(fullfile(folder, 'cameras.txt'));
   file = fullfile(folder, 'images.txt');

@@ -4,7 +4,8 @@
 function rows = rows_by_netcellfun(problems, options, connections)
   load_parallel('netcellfun');
   folders = {fileparts(which('kelvane_batch')), fileparts(which('kelvane_mex'))};  % the module must come first
-  reval(sprintf('addpath("%s"); addpath("%s");', folders{:}), connections);
+  folders = strrep(folders, '''', '''''');
+  reval(sprintf('addpath(''%s''); addpath(''%s'');', folders{:}), connections);
   options.Progress = 'off';
   rows = netcellfun(connections, 'kelvane_batch', problems, repmat({options}, size(problems)), 'UniformOutput', false);
 end

@@ -30,6 +30,37 @@
 %! assert(caught.identifier, 'kelvane:noParallel');
 %! assert(~isempty(strfind(caught.message, 'octave-parallel')));
 
+%!test  % servers are told where the functions and the module are, whatever the names of the folders hold (the same)
+%! global revals
+%! revals = {};
+%! work = tempname();
+%! mkdir(work);
+%! confirm_recursive_rmdir(false, 'local');
+%! removing = onCleanup(@() rmdir(work, 's'));
+%! folders = fullfile(work, {'o''d "); disp("\x41 $HOME', 'm''[1]'});
+%! for k = 1:2
+%!   mkdir(folders{k});
+%!   from = fileparts(which({'kelvane_batch', 'kelvane_mex'}{k}));
+%!   for name = setdiff(readdir(from), {'.', '..'})'
+%!     symlink(fullfile(from, name{1}), fullfile(folders{k}, name{1}));
+%!   end
+%! end
+%! paths = path();
+%! restoring = onCleanup(@() path(paths));
+%! warning('off', 'Octave:shadowed-function', 'local');
+%! addpath(folders{[2, 1]}, stand_ins('servers'));
+%! clear('kelvane_batch', 'kelvane_mex');
+%! assert({fileparts(which('kelvane_batch')), fileparts(which('kelvane_mex'))}, folders);
+%! scene = noisy_scene([700 0 320; 0 700 240; 0 0 1], 1);
+%! problem = struct('start', scene.start, 'points', scene.points, 'observations', scene.pixels, 'intrinsics', scene.K);
+%! results = kelvane_batch(problem, 'Connections', struct('peer', 1), 'Progress', 'off');
+%! assert(numel(revals), 1);
+%! path(paths);
+%! told = evalc(revals{1});
+%! assert(told, '');
+%! assert(strsplit(path(), pathsep())(2:3), folders([2, 1]));  % behind the current one
+%! clear -global revals
+
 %!test  % a pool of threads is refused, with the way out
 %! addpath(stand_ins('threads'));
 %! restoring = onCleanup(@() rmpath(stand_ins('threads')));
