@@ -74,21 +74,18 @@
 %!   return;
 %! end
 %! problems = all_problems();
-%! if isempty(problems)
-%!   return;  % shared_problems has said so
-%! end
 %! problems{3}.points(2) = NaN;
 %! options = {'PoseFrame', 'world_from_camera', 'Progress', 'off'};
 %! one = kelvane_batch(problems, options{:});
 %! two = kelvane_batch(problems, 'Processes', 2, options{:});
 %! bits = @(row) {row.name, row.pose, row.info, row.error};
-%! assert(numel(one), 90);
-%! for k = 1:90
+%! assert(any(numel(one) == [90, 18]));  % of the whole sets, and of those that come with the project
+%! for k = 1:numel(one)
 %!   assert(isequal(bits(one(k)), bits(two(k))), problems{k}.name);
 %! end
 %! assert({one.name}, cellfun(@(p) p.name, problems, 'UniformOutput', false));
 %! assert(find(~cellfun(@isempty, {one.error})), 3);
-%! assert(all([one([1:2, 4:90]).exitflag] > 0));
+%! assert(all([one([1:2, 4:end]).exitflag] > 0));
 
 %!test  % the work is done in two other processes
 %! if isempty(pkg('list', 'parallel'))

@@ -1,5 +1,5 @@
 % SPDX-License-Identifier: BSD-3-Clause
-% kelvane_read_colmap on broken files, on lenses and on the models beside the project.
+% kelvane_read_colmap on broken files, on lenses and on the models of the whole sets of measurements.
 
 %!function texts = good_texts()
 %!  texts.cameras = sprintf('# list\n1 SIMPLE_PINHOLE 640 480 500 320 240\n');
@@ -98,13 +98,10 @@
 %! fail('seen_through(camera, [399 0 401; 0 0 0])', 'a.jpg: 1 of 3 pixels lie beyond');
 
 %!function problems = shared_model(set)
-%!  project = fileparts(fileparts(fileparts(which('run_tests'))));
-%!  folder = fullfile(fileparts(project), 'shared', 'data', set, 'model_simple_pinhole');
 %!  problems = struct([]);
-%!  if exist(folder, 'dir')
-%!    problems = kelvane_read_colmap(folder);
-%!  else
-%!    fprintf('skipped: no model %s\n', set);
+%!  folder = folder_of_set(set);
+%!  if ~isempty(folder)
+%!    problems = kelvane_read_colmap(fullfile(folder, 'model_simple_pinhole'));
 %!  end
 %!endfunction
 

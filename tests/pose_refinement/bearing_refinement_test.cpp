@@ -5,6 +5,7 @@
 #include <array>
 #include <cmath>
 #include <cstdint>
+#include <filesystem>
 #include <memory>
 #include <string>
 
@@ -15,6 +16,7 @@
 #include "support/cases.h"
 #include "support/csv.h"
 #include "support/matchers.h"
+#include "support/posedata.h"
 #include "support/tolerance.h"
 
 namespace {
@@ -207,7 +209,7 @@ TEST(ClosedFormPose, IsThatOfExactVectors) {
   }
 }
 
-const std::string omni_folder = std::string(KELVANE_DATA_FOLDER) + "/omni/";
+const std::filesystem::path omni_folder = support::folder_of_set("omni");
 
 /// A row of a pose file: columns 9 to 12 hold the quaternion, 13 to 15 the centre.
 Pose pose_of(const Vector& row) { return {{row[8], row[9], row[10], row[11]}, {row[12], row[13], row[14]}}; }
@@ -216,7 +218,7 @@ Pose pose_of(const Vector& row) { return {{row[8], row[9], row[10], row[11]}, {r
 Problem measured_problem(const Vector& reference_row, const Vector& start_row) {
   const std::string number = std::to_string(static_cast<int>(reference_row[0]));
   Problem problem{{}, {}, pose_of(start_row)};
-  for (const Vector& row : support::read_csv(omni_folder + "obs_0" + number + ".csv")) {
+  for (const Vector& row : support::read_csv(omni_folder / ("obs_0" + number + ".csv"))) {
     problem.points.emplace_back(row.begin(), row.begin() + 3);
     const auto p = camera_frame_vector(pose_of(reference_row), problem.points.back());
     const double depth = std::hypot(p[0], p[1], p[2]);
@@ -226,11 +228,12 @@ Problem measured_problem(const Vector& reference_row, const Vector& start_row) {
 }
 
 TYPED_TEST(BearingRefinement, IsTheClosedFormAlignmentOfMeasuredBearings) {
-  if (!std::filesystem::exists(omni_folder)) GTEST_SKIP() << "the measurements are not there: " << omni_folder;
-  const auto references = support::read_csv(omni_folder + "pose_optimal_chord.csv");
-  const auto starts = support::read_csv(omni_folder + "pose_start.csv");
-  ASSERT_EQ(references.size(), 8U);
-  ASSERT_EQ(starts.size(), 8U);
+  const auto references = support::read_csv(omni_folder / "pose_optimal_chord.csv");
+  const auto starts = support::read_csv(omni_folder / "pose_start.csv");
+  const auto problems = support::read_csv(omni_folder / "problems.csv");
+  ASSERT_GE(problems.size(), 2U);
+  ASSERT_EQ(references.size(), problems.size());
+  ASSERT_EQ(starts.size(), problems.size());
   for (std::size_t i = 0; i < references.size(); ++i) {
     SCOPED_TRACE(testing::Message() << "view " << references[i][0]);
     const Problem problem = measured_problem(references[i], starts[i]);

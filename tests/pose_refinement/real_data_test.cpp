@@ -144,11 +144,10 @@ class RealData : public testing::TestWithParam<std::tuple<const char*, int>> {
  protected:
   const std::string set = std::get<0>(GetParam());
   const int type = std::get<1>(GetParam());
+  const std::filesystem::path folder = support::folder_of_set(set);
 
   void SetUp() override {
-    if (!std::filesystem::exists(KELVANE_DATA_FOLDER)) {
-      GTEST_SKIP() << "the measured problems are not here: no folder " << KELVANE_DATA_FOLDER;
-    }
+    if (folder.empty()) GTEST_SKIP() << "the problems of " << set << " are not here: tests/data/README.md";
     std::cout << set << ", rotation type " << type << "\n" << heading << "\n";
   }
 
@@ -161,13 +160,18 @@ class RealData : public testing::TestWithParam<std::tuple<const char*, int>> {
   }
 
   std::vector<Measured_problem> problems() const {
-    auto all = support::read_pixel_set(std::filesystem::path(KELVANE_DATA_FOLDER) / set);
+    auto all = support::read_pixel_set(folder);
 #if defined(__SANITIZE_ADDRESS__)  // the rest takes long and differs in its numbers only
     if (all.size() > 2) all.erase(all.begin() + 2, all.end());
 #endif
     return all;
   }
 };
+
+TEST(RealDataSets, ThatComeWithTheProjectAreAlwaysThere) {
+  for (const char* set : {"bal_adjusted", "chessboard", "omni"})
+    EXPECT_FALSE(support::folder_of_set(set).empty()) << set;
+}
 
 constexpr auto name_of = [](const auto& parameter) {
   return std::string(std::get<0>(parameter.param)) + "_type" + std::to_string(std::get<1>(parameter.param));
@@ -181,7 +185,7 @@ INSTANTIATE_TEST_SUITE_P(Sets, RealDataExactJacobian,
 
 TEST_P(RealDataExactJacobian, LeadsToTheOptimum) {
   const auto all = problems();
-  ASSERT_FALSE(all.empty());
+  ASSERT_GE(all.size(), 2U);
   for (const Measured_problem& problem : all) {
     SCOPED_TRACE("problem " + std::to_string(problem.id));
     const Trial result = trial(problem);
@@ -200,7 +204,7 @@ INSTANTIATE_TEST_SUITE_P(Sets, RealDataUnitQuaternion,
 
 TEST_P(RealDataUnitQuaternion, NeverReturnsAPoseWithoutAFiniteError) {
   const auto all = problems();
-  ASSERT_FALSE(all.empty());
+  ASSERT_GE(all.size(), 2U);
   for (const Measured_problem& problem : all) {
     SCOPED_TRACE("problem " + std::to_string(problem.id));
     EXPECT_TRUE(trial(problem).has_finite_errors);

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
-// Reader of measured problems: observations of a camera, a pose to start from and the best one.
+// Measured problems: observations of a camera, a pose to start from and the best one.
 #pragma once
 
 #include <algorithm>
@@ -74,7 +74,18 @@ struct Measured_problem {
   }
 };
 
-/// All problems of a pixel set in their order. Throws when a file is missing or does not hold what it should.
+/// Where the problems of a set lie: the whole set beside the project, or else the part of it that comes with the
+/// project (tests/data/README.md). Empty where there is neither.
+inline std::filesystem::path folder_of_set(const std::string& set) {
+  const std::filesystem::path project = KELVANE_PROJECT_FOLDER;
+  for (const char* place : {"../shared/data", "tests/data", "examples/data"}) {
+    if (std::filesystem::exists(project / place / set / "problems.csv")) return project / place / set;
+  }
+  return {};
+}
+
+/// All problems of a pixel set that are there, in their order. Throws when a file is missing or does not hold what it
+/// should.
 inline std::vector<Measured_problem> read_pixel_set(const std::filesystem::path& folder) {
   const auto starts = read_csv(folder / "pose_start.csv");
   const auto optima = read_csv(folder / "pose_optimal_pixel.csv");

@@ -1,5 +1,5 @@
 % SPDX-License-Identifier: BSD-3-Clause
-% Prints, as a table in Markdown, how kelvane_refine with default options ends on the measurements beside the project: for
+% Prints, as a table in Markdown, how kelvane_refine with default options ends on the measurements that are here: for
 % each set and cost the calls of the module and the largest distance from the optimum that is stored there.
 function print_problems()
   rows = {'chessboard', 'pixel'; 'bal', 'pixel'; 'bal_adjusted', 'pixel'; 'castle', 'pixel'; ...

@@ -1,14 +1,12 @@
 % SPDX-License-Identifier: BSD-3-Clause
-% The problems of one set of the measurements that lie beside the project, as a 1 x n struct array; empty, with a line that
-% says so, where they are not there. kind is 'pixel' or 'chord': observations are pixels, or directions of any set, and
-% optimum (1 x 6, [r, t]) is the one that is stored for that cost; of crane, which has none, the pose that comes with the
-% data. distance is that of the camera from the mean point.
+% The problems of one set of measurements that are here (tests/data/README.md), as a 1 x n struct array; run_tests says of how
+% many others there were none. kind is 'pixel' or 'chord': observations are pixels, or directions of any set, and optimum (1 x
+% 6, [r, t]) is the one that is stored for that cost; of crane, which has none, the pose that comes with the data. distance is
+% that of the camera from the mean point.
 function problems = shared_problems(set, kind)
   problems = struct([]);
-  project = fileparts(fileparts(fileparts(fileparts(mfilename('fullpath')))));
-  folder = fullfile(fileparts(project), 'shared', 'data', set);
-  if ~exist(folder, 'dir')
-    fprintf('skipped: no measurements %s\n', set);
+  folder = folder_of_set(set);
+  if isempty(folder)
     return;
   end
   read = @(name) dlmread(fullfile(folder, name), ',', 1, 0);
