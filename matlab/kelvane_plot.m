@@ -153,6 +153,17 @@ end
 %! off = (xyz - info.pose.centre) / zoom;
 %! assert(sqrt(sum(off .* (info.covariance(4:6, 4:6) \ off))), 3 * ones(1, size(off, 2)), 1e-9);
 
+%!test  % shapes of the scene are true: the box is a cube, its sides are of the same length, and all of the scene is in it
+%! info = some_info([500 320 240]);
+%! f = hidden_figure();
+%! closing = onCleanup(@() close(f));
+%! h = kelvane_plot(info, 'scene');
+%! assert({get(h.axes, 'plotboxaspectratio'), get(h.axes, 'plotboxaspectratiomode')}, {[1, 1, 1], 'manual'});
+%! limits = [get(h.axes, 'xlim'); get(h.axes, 'ylim'); get(h.axes, 'zlim')];
+%! assert(diff(limits, 1, 2), max(diff(limits, 1, 2)) * ones(3, 1), 1e-12);
+%! shown = [info.points, info.pose.centre, info.history(1).pose.centre];
+%! assert(all(min(shown, [], 2) > limits(:, 1) & max(shown, [], 2) < limits(:, 2)));
+
 %!test  % given axes are drawn into, and held ones are kept
 %! info = some_info([500 320 240]);
 %! f = hidden_figure();
@@ -188,5 +199,7 @@ end
 %! assert(isempty(h.ellipsoid));
 
 %!error <needs the info that kelvane_refine returns> kelvane_plot(3)
+%!error <needs the info that kelvane_refine returns> kelvane_plot()
+%!error <needs the info that kelvane_refine returns> kelvane_plot(some_info([500 320 240]), 'rms', 'after')
 %!error <'late' is not a kind of picture. Did you mean> kelvane_plot(some_info([500 320 240]), 'late')
 %!error <One axes has place for one picture> kelvane_plot(0, some_info([500 320 240]))

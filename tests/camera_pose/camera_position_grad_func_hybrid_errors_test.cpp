@@ -5,9 +5,13 @@
 #include <memory>
 #include <string>
 
+#include "camera_pose/camera_position_opt_func.h"
 #include "camera_pose/hybrid_classes.h"
+#include "fw_opt/linear_taylor_solver.h"
 #include "support/cases.h"
+#include "support/inner_optimise.h"
 #include "support/matchers.h"
+#include "support/scripted_solver.h"
 
 namespace {
 
@@ -56,6 +60,23 @@ TYPED_TEST(HybridReport, TellsTheSizesForEveryOtherNumberOfColumns) {
     const Caught caught = this->caught_with(J);
     EXPECT_EQ(caught.text, this->size_report(columns));
     EXPECT_EQ(caught.level, 1);
+  }
+}
+
+TYPED_TEST(HybridReport, IsThatOfASolverWithAnotherNumberOfDimensions) {
+  for (const int columns : {num_columns<TypeParam> - 1, num_columns<TypeParam> + 1}) {
+    SCOPED_TRACE(columns);
+    const Scene at = this->scene();
+    fw::Linear_taylor_solver solver;
+    auto objective = std::make_unique<Camera_position_opt_func>(at.points, at.K(), TypeParam::type);
+    solver.set_grad_funcs({new typename TypeParam::Class(at.points, at.K(), objective.release())});
+    solver.set_num_equations(3 * n);
+    solver.set_num_dimensions(columns);
+    std::vector<double> x = at.x;
+    x.resize(8, 0.5);
+    const Caught caught = caught_by([&] { solver.optimise(x, std::vector<double>(3 * n)); });
+    EXPECT_EQ(caught.text, block("fw_opt/solver.cpp", 80, support::optimise_signature, "", 3) +
+                               support::inner_optimise_block(200, "", 2) + this->size_report(columns) + "\n\n");
   }
 }
 

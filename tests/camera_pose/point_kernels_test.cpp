@@ -136,9 +136,8 @@ void expect_rows(fw::Instruction_set set, std::uint64_t number, bool is_bearing)
   }
 }
 
-class PointKernels : public testing::TestWithParam<fw::Instruction_set> {};
-INSTANTIATE_TEST_SUITE_P(All, PointKernels, testing::ValuesIn(support::available_instruction_sets()),
-                         support::name_of_instruction_set);
+class PointKernels : public support::Every_instruction_set {};
+INSTANTIATE_TEST_SUITE_P(All, PointKernels, testing::ValuesIn(fw::instruction_sets), support::name_of_instruction_set);
 
 TEST_P(PointKernels, WriteWhatDualNumbersGive) {
   for (std::uint64_t number = 0; number < 4 * max_points; ++number) {

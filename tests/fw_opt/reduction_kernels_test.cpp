@@ -90,8 +90,8 @@ long double product_of_triangle(const std::vector<double>& triangle, std::size_t
   return sum;
 }
 
-class ReductionKernels : public testing::TestWithParam<fw::Instruction_set> {};
-INSTANTIATE_TEST_SUITE_P(All, ReductionKernels, testing::ValuesIn(support::available_instruction_sets()),
+class ReductionKernels : public support::Every_instruction_set {};
+INSTANTIATE_TEST_SUITE_P(All, ReductionKernels, testing::ValuesIn(fw::instruction_sets),
                          support::name_of_instruction_set);
 
 TEST_P(ReductionKernels, KeepTheProductsOfAllColumns) {

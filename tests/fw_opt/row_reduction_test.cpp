@@ -44,9 +44,8 @@ reference::Least_squares minimiser(const std::vector<double>& triangle, std::siz
   return reference::least_squares(R, c);
 }
 
-class RowReduction : public testing::TestWithParam<fw::Instruction_set> {};
-INSTANTIATE_TEST_SUITE_P(All, RowReduction, testing::ValuesIn(support::available_instruction_sets()),
-                         support::name_of_instruction_set);
+class RowReduction : public support::Every_instruction_set {};
+INSTANTIATE_TEST_SUITE_P(All, RowReduction, testing::ValuesIn(fw::instruction_sets), support::name_of_instruction_set);
 
 TEST_P(RowReduction, OfManyPiecesIsThatOfOne) {
   fw::Row_reduction reduction(GetParam());

@@ -67,6 +67,9 @@ Vector enforced(Vector a) {
 TEST(EnforceAngleAxis, BringsTheAxisToUnitLengthAndKeepsTheAngle) {
   EXPECT_EQ(enforced({0, 0, 2, 1.5}), (Vector{0, 0, 1, 1.5}));
   EXPECT_EQ(enforced({0, 0, -2, -100.5}), (Vector{0, 0, -1, -100.5}));
+  EXPECT_EQ(enforced({3, 0.5}), (Vector{1, 0.5}));  // the shortest that has an axis
+  EXPECT_EQ(enforced({3}), (Vector{3}));
+  EXPECT_EQ(enforced({}), Vector());
   EXPECT_TRUE(is_close(enforced({3, 4, 0.5}), Vector{0.6, 0.8, 0.5}, tolerance::identity));
   EXPECT_TRUE(is_close(enforced({1, 1, 1, 1, 7}), Vector{0.5, 0.5, 0.5, 0.5, 7}, tolerance::identity));
 }

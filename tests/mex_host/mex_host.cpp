@@ -77,7 +77,11 @@ bool is_same(const mxArray& a, const mxArray& b) {
 
 }  // namespace
 
-bool mxIsDouble(const mxArray* array) { return array->class_name == "double"; }
+bool mxIsDouble(const mxArray* array) {
+  if (array->throws_int) throw 1;
+  return array->class_name == "double";
+}
+
 bool mxIsSparse(const mxArray* array) { return array->is_sparse; }
 bool mxIsComplex(const mxArray* array) { return array->is_complex; }
 mwSize mxGetM(const mxArray* array) { return array->rows; }

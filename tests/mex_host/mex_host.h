@@ -18,6 +18,7 @@ struct mxArray {
   std::string class_name = "double";
   bool is_sparse = false;
   bool is_complex = false;
+  bool throws_int = false;  // when asked for its class, as no host should
 };
 
 namespace mex_host {

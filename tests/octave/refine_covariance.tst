@@ -41,6 +41,21 @@
 %!   assert(mean(noise), 1, 4 * 0.03);
 %! end
 
+%!test  % equations without weight are not counted: eight are left of ten, and a direction still counts as two
+%! scene = noisy_scene([700 0 320; 0 700 240; 0 0 1], 3);
+%! points = scene.points(:, 1:5);
+%! W = ones(2, 5);
+%! W(2, 4) = 0;
+%! W(1, 5) = 0;
+%! [~, info] = kelvane_refine(scene.start, points, scene.pixels(:, 1:5), scene.K, 'Weights', W);
+%! assert(info.noise_sigma^2, sum(W(:) .* info.residuals(:).^2) / (8 - 6), -1e-9);
+%! directions = [(scene.pixels(:, 1:5) - [320; 240]) / 700; ones(1, 5)];
+%! W = ones(3, 5);
+%! W(2, 4) = 0;
+%! W(1, 5) = 0;
+%! [~, info] = kelvane_refine(scene.start, points, directions, [], 'Weights', W);
+%! assert(info.noise_sigma^2, sum(W(:) .* info.residuals(:).^2) / (10 - 6), -1e-9);
+
 %!test  % points on a line leave the camera free to turn about it: said, and told as infinite
 %! points = [0; 0; 5] + [1; 0.2; 0.1] * [-2, -1, 0, 1, 2];
 %! truth = kelvane_pose({eye(3), [0 0 0]}, 'rotation_centre', 'world_from_camera');

@@ -150,6 +150,15 @@ TEST_P(GatewayError, RefusesSparseAndComplexLikeAnotherClass) {
   EXPECT_EQ(mex_host::call(complex, 1, GetParam()).message, expected);
 }
 
+TEST_P(GatewayError, IsToldAlsoWhereAHostThrowsWhatIsNoException) {
+  auto inputs = Scene().inputs({0, 0, 0});
+  inputs[1].throws_int = true;
+  const auto result = mex_host::call(inputs, 1, GetParam());
+  EXPECT_EQ(result.identifier, "Mex:exception");
+  EXPECT_EQ(result.message, "unknown exception");
+  EXPECT_FALSE(result.output);
+}
+
 TEST_P(GatewayError, LeavesTheNextCallAsItWas) {
   const Scene scene;
   const auto before = mex_host::call(scene.inputs({0.02, 0.01, -0.03}));

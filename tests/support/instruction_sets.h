@@ -1,23 +1,22 @@
 // SPDX-License-Identifier: BSD-3-Clause
-// The instruction sets of the processor at hand, for tests that run every variant.
+// What tests of every variant of a kernel share.
 #pragma once
 
 #include <gtest/gtest.h>
 
 #include <string>
-#include <vector>
 
 #include "fw_tools/instruction_set.h"
 
 namespace support {
 
-inline std::vector<fw::Instruction_set> available_instruction_sets() {
-  std::vector<fw::Instruction_set> available;
-  for (const fw::Instruction_set set : fw::instruction_sets) {
-    if (fw::is_available(set)) available.push_back(set);
+/// A test for each instruction set; skipped, and said so, where the processor at hand does not have it.
+class Every_instruction_set : public testing::TestWithParam<fw::Instruction_set> {
+ protected:
+  void SetUp() override {
+    if (!fw::is_available(GetParam())) GTEST_SKIP() << "not on this processor";
   }
-  return available;
-}
+};
 
 inline std::string name_of_instruction_set(const testing::TestParamInfo<fw::Instruction_set>& info) {
   return info.param == fw::Instruction_set::sse2 ? "Sse2" : info.param == fw::Instruction_set::avx2 ? "Avx2" : "Avx512";
