@@ -5,19 +5,19 @@
 # open for the host to resolve, and mexFunction is all that can be seen from outside.
 function(kelvane_add_mex target)
   cmake_parse_arguments(PARSE_ARGV 1 arg "" "SUFFIX" "INCLUDES;LIBRARIES")
-  set(exports "${PROJECT_SOURCE_DIR}/cmake/kelvane_mex.map")
+  configure_file("${PROJECT_SOURCE_DIR}/matlab/kelvane_mex.m" "${PROJECT_BINARY_DIR}/kelvane_mex.m" COPYONLY)
+  # By its name alone: in the path of a folder CMake would double a dollar sign.
+  set(exports kelvane_mex.map)
+  configure_file("${PROJECT_SOURCE_DIR}/cmake/${exports}" ${exports} COPYONLY)
   add_library(${target} MODULE "${PROJECT_SOURCE_DIR}/kelvane_mex.cpp")
   set_target_properties(${target} PROPERTIES
     OUTPUT_NAME kelvane_mex PREFIX "" SUFFIX "${arg_SUFFIX}"
     LIBRARY_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}"
-    LINK_DEPENDS "${exports};${PROJECT_SOURCE_DIR}/matlab/kelvane_mex.m")  # linking copies the help
+    LINK_DEPENDS "${CMAKE_CURRENT_BINARY_DIR}/${exports}")
   target_include_directories(${target} SYSTEM PRIVATE ${arg_INCLUDES})
   target_link_libraries(${target} PRIVATE kelvane kelvane_compile_options ${arg_LIBRARIES})
   target_link_options(${target} PRIVATE "LINKER:--version-script=${exports}")
   if(KELVANE_SELF_CONTAINED)
     kelvane_make_self_contained(${target})
   endif()
-  add_custom_command(TARGET ${target} POST_BUILD
-    COMMAND "${CMAKE_COMMAND}" -E copy_if_different
-            "${PROJECT_SOURCE_DIR}/matlab/kelvane_mex.m" "${PROJECT_BINARY_DIR}/kelvane_mex.m")
 endfunction()

@@ -12,6 +12,8 @@ if(TARGET kelvane_mex_octave AND CMAKE_BUILD_TYPE STREQUAL "Release" AND CMAKE_C
     COMMAND sh "${CMAKE_CURRENT_SOURCE_DIR}/module/symbols_test" "$<TARGET_FILE:kelvane_mex_octave>")
 endif()
 if(TARGET kelvane_mex_octave AND OctaveCli_PROGRAM)
+  add_test(NAME module/any_folder
+    COMMAND sh "${CMAKE_CURRENT_SOURCE_DIR}/module/any_folder_test" "${PROJECT_SOURCE_DIR}" "${CMAKE_CXX_COMPILER}")
   set(arguments "${OctaveCli_PROGRAM}" "$<TARGET_FILE_DIR:kelvane_mex_octave>" "${CMAKE_CURRENT_SOURCE_DIR}")
   add_test(NAME module/environment
     COMMAND sh "${CMAKE_CURRENT_SOURCE_DIR}/module/environment_test" ${arguments})

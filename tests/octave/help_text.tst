@@ -32,7 +32,9 @@
 %!test  % without the binary the m-file says how to get it
 %! folder = tempname();
 %! mkdir(folder);
-%! copyfile(fullfile(fileparts(which('kelvane_mex')), 'kelvane_mex.m'), fullfile(folder, 'kelvane_unbuilt.m'));
+%! copy = fopen(fullfile(folder, 'kelvane_unbuilt.m'), 'w');
+%! fputs(copy, fileread(fullfile(fileparts(which('kelvane_mex')), 'kelvane_mex.m')));
+%! fclose(copy);
 %! addpath(folder);
 %! cleanup = onCleanup(@() rmpath(folder));
 %! try

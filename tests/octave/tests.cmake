@@ -4,8 +4,10 @@ find_program(OctaveCli_PROGRAM octave-cli)
 mark_as_advanced(OctaveCli_PROGRAM)
 
 # kelvane_add_octave_test(name command [launcher ...]): runs an Octave command on the built module, without any file of the
-# user's.
+# user's. A quote in the project's folder is doubled, as in Octave's texts.
 function(kelvane_add_octave_test name command)
+  string(REPLACE "'" "''" project_folder "${PROJECT_SOURCE_DIR}")
+  string(REPLACE "${PROJECT_SOURCE_DIR}" "${project_folder}" command "${command}")
   set(here "${CMAKE_CURRENT_SOURCE_DIR}/octave")
   add_test(NAME "octave/${name}" COMMAND ${ARGN} "${OctaveCli_PROGRAM}" --norc --no-history --no-window-system -q
     --path "$<TARGET_FILE_DIR:kelvane_mex_octave>" --path "${here}" --path "${here}/support"
@@ -49,7 +51,7 @@ if(TARGET kelvane_mex_octave AND OctaveCli_PROGRAM AND is_tested_in_octave)
     set_tests_properties(${topics} octave/hostile_inputs PROPERTIES ENVIRONMENT "${environment}")
     set(leaks "fast_unwind_on_malloc=0:print_suppressions=0")
     set(environment "LD_PRELOAD=${libasan}"
-      "LSAN_OPTIONS=${leaks}:suppressions=${CMAKE_CURRENT_SOURCE_DIR}/octave/leak_suppressions.txt")
+      "LSAN_OPTIONS=${leaks}:suppressions=\"${CMAKE_CURRENT_SOURCE_DIR}/octave/leak_suppressions.txt\"")
     set_tests_properties(octave/silence PROPERTIES ENVIRONMENT "${environment}")
   else()
     foreach(topic IN LISTS topics_of_functions)
