@@ -15,17 +15,17 @@ source_date() {
 
 # stage FOLDER PATH...: copies files, and of folders what is text of ours, below FOLDER
 stage() {
-  target=$1
+  staged=$1
   shift
-  mkdir -p "$target"
+  mkdir -p "$staged"
   find "$@" -type f ! -name '.*' ! -name '*.mex*' ! -name '*.o' ! -name 'octave-workspace' | tar -cf - -T - |
-    tar -xf - -C "$target"
+    tar -xf - -C "$staged"
 }
 
 # stage_module FOLDER: all that CMake or kelvane_build needs to build the module
 stage_module() {
   stage "$1" CMakeLists.txt LICENSE kelvane_mex.cpp cmake fw_tools fw_opt camera_pose pose_refinement self_contained \
-    scripts/opencv_core matlab/kelvane_mex.m
+    scripts/functions.sh scripts/opencv_core matlab/kelvane_mex.m
 }
 
 # stage_functions FOLDER: the m-files for daily use with their demos, without what builds the module

@@ -1,10 +1,8 @@
 # SPDX-License-Identifier: BSD-3-Clause
-# The built module and its sources as files.
-add_test(NAME module/layers COMMAND sh "${CMAKE_CURRENT_SOURCE_DIR}/module/layers_test" "${PROJECT_SOURCE_DIR}")
-add_test(NAME module/suppressions
-  COMMAND sh "${CMAKE_CURRENT_SOURCE_DIR}/module/suppressions_test" "${PROJECT_SOURCE_DIR}")
-add_test(NAME module/install_missing
-  COMMAND sh "${CMAKE_CURRENT_SOURCE_DIR}/module/install_missing_test" "${PROJECT_SOURCE_DIR}")
+# The built module and its sources as files, and the scripts that build it.
+foreach(topic IN ITEMS layers suppressions install_missing scripts build_preset)
+  add_test(NAME "module/${topic}" COMMAND sh "${CMAKE_CURRENT_SOURCE_DIR}/module/${topic}_test" "${PROJECT_SOURCE_DIR}")
+endforeach()
 # Instrumentation brings symbols of its own, and other compilers and settings leave others open.
 if(TARGET kelvane_mex_octave AND CMAKE_BUILD_TYPE STREQUAL "Release" AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU"
    AND CMAKE_CXX_COMPILER_VERSION VERSION_GREATER_EQUAL 12 AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
