@@ -1,8 +1,20 @@
 # SPDX-License-Identifier: BSD-3-Clause
-# What both packages are made of; to be sourced in the project's folder.
+# What the packages are made of; to be sourced in the project's folder, behind scripts/functions.sh.
 # shellcheck shell=sh
 
-project_version() { sed -n 's/^project(kelvane VERSION \([0-9.]*\).*/\1/p' CMakeLists.txt; }
+# None of the caller's settings gets into a package, but for the compiler, the date, and where things are.
+if [ -z "${KELVANE_PACKAGING:-}" ]; then
+  set -- sh "$0" "$@"
+  for name in PATH HOME TMPDIR CXX CMAKE_PREFIX_PATH OpenCV_DIR SOURCE_DATE_EPOCH KELVANE_ALONE; do
+    eval "value=\${$name:-}"
+    [ -z "$value" ] || set -- "$name=$value" "$@"
+  done
+  cd "$caller"
+  exec env -i KELVANE_PACKAGING=1 LC_ALL=C TZ=UTC0 "$@"
+fi
+umask 022  # the modes of what is installed are part of the bits
+
+version=$(sed -n 's/^project(kelvane VERSION \([0-9.]*\).*/\1/p' CMakeLists.txt)
 
 # Seconds since 1970 that all files of a package get: SOURCE_DATE_EPOCH, or the last commit, or the last change.
 source_date() {
@@ -12,14 +24,20 @@ source_date() {
     { [ -e .git ] && git log -1 --format=%ct 2>/dev/null; } || date -r CHANGELOG.md +%s
   fi
 }
+seconds=$(source_date)
+
+# copy_listed FOLDER: copies the files of $work/list, which ends each name with a zero, below FOLDER
+copy_listed() {
+  mkdir -p "$1"
+  xargs -0 -a "$work/list" cp -P --parents -t "$1" --
+}
 
 # stage FOLDER PATH...: copies files, and of folders what is text of ours, below FOLDER
 stage() {
   staged=$1
   shift
-  mkdir -p "$staged"
-  find "$@" -type f ! -name '.*' ! -name '*.mex*' ! -name '*.o' ! -name 'octave-workspace' | tar -cf - -T - |
-    tar -xf - -C "$staged"
+  find "$@" -type f ! -name '.*' ! -name '*.mex*' ! -name '*.o' ! -name 'octave-workspace' -print0 >"$work/list"
+  copy_listed "$staged"
 }
 
 # stage_module FOLDER: all that CMake or kelvane_build needs to build the module
@@ -37,25 +55,26 @@ stage_functions() {
   sed '/^% Building$/,/^%$/d' matlab/Contents.m >"$1/Contents.m"
 }
 
-# tidy FOLDER SECONDS: the same modes and times whoever has made the files
-tidy() {
+# archive FOLDER FILE: a .zip or .tar.gz of it, the same bits whenever, wherever and by whomever it is made. It is read back
+# and compared before it counts.
+archive() {
   find "$1" -type d -exec chmod 755 {} +
   find "$1" -type f -perm -u+x -exec chmod 755 {} +
   find "$1" -type f ! -perm -u+x -exec chmod 644 {} +
-  find "$1" -exec touch -h -d "@$2" {} +
-}
-
-# archive FOLDER FILE SECONDS: the same bits whenever, wherever and by whomever it is called
-archive() {
-  tidy "$1" "$3"
-  tar -C "$(dirname "$1")" --sort=name --format=ustar --owner=0 --group=0 --numeric-owner --mtime="@$3" \
-    -cf - "$(basename "$1")" | gzip -9n >"$2"
-}
-
-# zip_archive FOLDER FILE SECONDS: the same as a zip, whose times are those of the clock on the wall
-zip_archive() {
-  tidy "$1" "$3"
-  rm -f "$2"
-  case $2 in /*) zip_file=$2 ;; *) zip_file=$PWD/$2 ;; esac
-  (cd "$(dirname "$1")" && find "$(basename "$1")" -type f | LC_ALL=C sort | TZ=UTC zip -9 -X -q -@ "$zip_file")
+  find "$1" -exec touch -h -d "@$seconds" {} +
+  case $2 in
+    *.zip)
+      (cd "${1%/*}" && find "${1##*/}" -type f) >"$work/list"
+      sort -o "$work/list" "$work/list"
+      (cd "${1%/*}" && zip -9 -X -q -@ "$2" <"$work/list")
+      ;;
+    *)
+      tar -C "${1%/*}" --sort=name --format=ustar --owner=0 --group=0 --numeric-owner --mtime="@$seconds" -I 'gzip -9n' \
+        -cf "$2" "${1##*/}"
+      ;;
+  esac
+  mkdir "$work/read_back"
+  (cd "$work/read_back" && cmake -E tar xf "$2")
+  diff -r "$1" "$work/read_back/${1##*/}"
+  rm -r "$work/read_back"
 }

@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: BSD-3-Clause
-# The packages for Octave and MATLAB, the installation for C++ with its reference, and the build without CMake, which
-# runs where KELVANE_LONG is set.
+# All that is published, the packages for Octave and MATLAB, the installation for C++ with its reference, and the build
+# without CMake, which runs where KELVANE_LONG is set.
 function(kelvane_add_packaging_test name)
   add_test(NAME "packaging/${name}"
     COMMAND sh "${CMAKE_CURRENT_SOURCE_DIR}/packaging/${name}_test" "${PROJECT_SOURCE_DIR}" ${ARGN})
@@ -15,6 +15,7 @@ endif()
 if(TARGET kelvane_mex_octave AND TARGET kelvane_mat_reader AND OctaveCli_PROGRAM AND CMAKE_BUILD_TYPE STREQUAL "Release"
    AND NOT KELVANE_SHARED)
   kelvane_add_packaging_test(cpp_install "${PROJECT_BINARY_DIR}" "${CMAKE_CXX_COMPILER}" "${OctaveCli_PROGRAM}")
+  kelvane_add_packaging_test(release "${OctaveCli_PROGRAM}")
 endif()
 if(TARGET kelvane_mex_octave AND OctaveCli_PROGRAM)
   kelvane_add_packaging_test(octave_install)

@@ -35,8 +35,3 @@ if(SystemOpencvCore_LIBRARY AND SystemOpencvCore_INCLUDE_DIR)
 endif()
 add_test(NAME self_contained/environment COMMAND sh "${CMAKE_CURRENT_SOURCE_DIR}/module/environment_test"
   "${OctaveCli_PROGRAM}" "${folder}" "${CMAKE_CURRENT_SOURCE_DIR}")
-
-# What is published, made twice and installed.
-add_test(NAME packaging/release
-  COMMAND sh "${CMAKE_CURRENT_SOURCE_DIR}/packaging/release_test" "${PROJECT_SOURCE_DIR}" "${OctaveCli_PROGRAM}")
-set_tests_properties(packaging/release PROPERTIES COST 100)
