@@ -16,12 +16,15 @@ umask 022  # the modes of what is installed are part of the bits
 
 version=$(sed -n 's/^project(kelvane VERSION \([0-9.]*\).*/\1/p' CMakeLists.txt)
 
+# Whoever owns the folder: these are the sources whose scripts are running.
+project_git() { git -c safe.directory='*' "$@"; }
+
 # Seconds since 1970 that all files of a package get: SOURCE_DATE_EPOCH, or the last commit, or the last change.
 source_date() {
   if [ -n "${SOURCE_DATE_EPOCH:-}" ]; then
     echo "$SOURCE_DATE_EPOCH"
   else
-    { [ -e .git ] && git log -1 --format=%ct 2>/dev/null; } || date -r CHANGELOG.md +%s
+    { [ -e .git ] && project_git log -1 --format=%ct 2>/dev/null; } || date -r CHANGELOG.md +%s
   fi
 }
 seconds=$(source_date)

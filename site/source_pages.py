@@ -54,7 +54,8 @@ class Links_to_sources(SphinxTransform):
 def listed(root, folder):
     """What belongs to the project: what its own repository knows, or everything in sources that were unpacked."""
     if (root / ".git").exists():
-        command = ["git", "ls-files", "--cached", "--others", "--exclude-standard"]
+        # Whoever owns the folder: these are the sources whose scripts are running.
+        command = ["git", "-c", "safe.directory=*", "ls-files", "--cached", "--others", "--exclude-standard"]
         output = subprocess.run(command, cwd=folder, check=True, capture_output=True, text=True).stdout
         names = output.split("\n")[:-1]
     else:
