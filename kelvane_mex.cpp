@@ -7,8 +7,8 @@
 #include <exception>
 #include <vector>
 
-#include "pose_refinement/argument_contract.h"
-#include "pose_refinement/refinement.h"
+#include "contract/argument_contract.h"
+#include "contract/refinement.h"
 
 // The host's header leaves the entry hidden where everything is compiled hidden.
 extern "C" __attribute__((visibility("default"))) void mexFunction(int nlhs, mxArray* plhs[], int nrhs,
@@ -20,10 +20,11 @@ extern "C" __attribute__((weak)) decltype(mxIsComplex) mxIsComplex;
 
 namespace {
 
-using pose_refinement::max_inputs;
+namespace contract = kelvane::contract;
+using contract::max_inputs;
 
 /// An input array behind the host's functions, each asked only when needed.
-class Host_input final : public pose_refinement::Input {
+class Host_input final : public contract::Input {
  public:
   explicit Host_input(const mxArray* array = nullptr) : array_(array) {}
   bool is_double() const override { return mxIsDouble(array_); }
@@ -50,14 +51,13 @@ struct Outcome {
 
 std::vector<double> refine(int num_outputs, int num_inputs, const mxArray* const* arrays) {
   Host_input inputs[max_inputs];
-  const pose_refinement::Input* views[max_inputs] = {};
+  const contract::Input* views[max_inputs] = {};
   for (int i = 0; i < num_inputs && i < max_inputs; ++i) {
     inputs[i] = Host_input(arrays[i]);
     views[i] = &inputs[i];
   }
-  const auto arguments = pose_refinement::check_arguments(num_outputs, num_inputs, views);
-  const pose_refinement::Problem problem(arguments);
-  return pose_refinement::refine(problem, pose_refinement::Settings(arguments));
+  const auto arguments = contract::check_arguments(num_outputs, num_inputs, views);
+  return contract::refine(arguments, contract::Settings(arguments));
 }
 
 void run(int num_outputs, int num_inputs, const mxArray* const* arrays, Outcome& outcome) noexcept {

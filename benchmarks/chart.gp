@@ -22,4 +22,6 @@ set linetype 4 linewidth 1.8 pointtype 11 pointsize 1.2 linecolor rgb '#009e73'
 set linetype 5 linewidth 1.8 pointtype 13 pointsize 1.2 linecolor rgb '#cc79a7'
 set linetype 6 linewidth 1.8 pointtype 4 pointsize 1.0 linecolor rgb '#e69f00'
 set linetype 7 linewidth 1.8 pointtype 8 pointsize 1.2 linecolor rgb '#56b4e9' dashtype 3
+set linetype 8 linewidth 1.8 pointtype 6 pointsize 1.0 linecolor rgb '#999999' dashtype 2
+set linetype 9 linewidth 1.8 pointtype 10 pointsize 1.0 linecolor rgb '#8c564b' dashtype 4
 plot for [i = 2:num_columns] ARG1 using 1:i with linespoints linetype i - 1 title columnheader(i)

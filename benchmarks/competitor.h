@@ -11,8 +11,16 @@
 
 namespace bench {
 
-/// Without criteria a call of type 0 makes ten iterations; every other type needs criteria and makes one.
-constexpr int num_iterations(int type) { return type == 0 ? 10 : 1; }
+/// What a call is asked to do.
+struct Task {
+  int type = 0;
+  bool by_differences = false;
+
+  bool operator==(const Task& other) const { return type == other.type && by_differences == other.by_differences; }
+  /// Without criteria a call of type 0 makes ten iterations. Every other type needs criteria, and so do differences:
+  /// one iteration, for type 0 three.
+  int num_iterations() const { return type != 0 ? 1 : by_differences ? 3 : 10; }
+};
 
 /// One solver with one problem, prepared so that only refine() has to be timed.
 class Competitor {
@@ -29,7 +37,7 @@ class Competitor {
 
 struct Entry {
   std::string name;
-  std::function<std::unique_ptr<Competitor>(const Scene& scene, int type)> make;
+  std::function<std::unique_ptr<Competitor>(const Scene& scene, const Task& task)> make;
 };
 
 }  // namespace bench

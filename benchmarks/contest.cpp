@@ -16,10 +16,10 @@ using Field = std::vector<std::unique_ptr<Competitor>>;  // every entry with one
 // Enough for the luck of one scene, such as steps that a peer refuses, not to decide. Long calls need their time.
 int num_scenes(int num_points) { return std::clamp(40000 / num_points, 1, 16); }
 
-void note_outcomes(const Scene& scene, int type, const Field& field, std::vector<Result>& results) {
+void note_outcomes(const Scene& scene, const Task& task, const Field& field, std::vector<Result>& results) {
   for (std::size_t k = 0; k < field.size(); ++k) {
     field[k]->refine();
-    const double rms = equation_rms(scene, type, field[k]->refined());
+    const double rms = equation_rms(scene, task.type, field[k]->refined());
     const double share = 1.0 / num_scenes(scene.num_points);
     results[k].rms = std::sqrt(results[k].rms * results[k].rms + share * rms * rms);
     results[k].num_jacobians += share * field[k]->num_jacobians();
@@ -42,23 +42,23 @@ const Result* Contest::find(const std::string& name) const {
 }
 
 double Contest::ns_per_point(const Result& result) const {
-  return median(result.ns) / num_points / num_iterations(type);
+  return median(result.ns) / num_points / task.num_iterations();
 }
 
-Contest hold_contest(const std::vector<Entry>& entries, int type, int num_points, const Effort& effort) {
+Contest hold_contest(const std::vector<Entry>& entries, const Task& task, int num_points, const Effort& effort) {
   constexpr unsigned seed = 20240229;
   std::vector<Scene> scenes;
   for (int s = 0; s < num_scenes(num_points); ++s) {
     scenes.push_back(random_scene(num_points, seed + static_cast<unsigned>(s)));
   }
-  Contest contest{type, num_points, {}};
+  Contest contest{task, num_points, {}};
   for (const Entry& entry : entries) contest.results.push_back({entry.name, {}, 0, 0, {}});
 
   std::vector<Field> fields;
   for (const Scene& scene : scenes) {
     Field field;
-    for (const Entry& entry : entries) field.push_back(entry.make(scene, type));
-    note_outcomes(scene, type, field, contest.results);
+    for (const Entry& entry : entries) field.push_back(entry.make(scene, task));
+    note_outcomes(scene, task, field, contest.results);
     fields.push_back(std::move(field));
   }
   std::vector<int> num_calls;

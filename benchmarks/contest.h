@@ -25,7 +25,7 @@ struct Result {
 
 /// All results of one type and number of points, in the order of the entries.
 struct Contest {
-  int type;
+  Task task;
   int num_points;
   std::vector<Result> results;
 
@@ -37,7 +37,7 @@ struct Contest {
 
 /// Each repetition runs every entry once, one after the other, in a batch of about a millisecond or one call. The
 /// repetitions take turns at several scenes.
-Contest hold_contest(const std::vector<Entry>& entries, int type, int num_points, const Effort& effort);
+Contest hold_contest(const std::vector<Entry>& entries, const Task& task, int num_points, const Effort& effort);
 
 /// The median over the repetitions of a's time divided by b's.
 double median_ratio(const Result& a, const Result& b);

@@ -1,34 +1,40 @@
 // SPDX-License-Identifier: BSD-3-Clause
-// The parts of an iteration, each by itself.
+// The parts of an iteration, each by itself, in every variant that the processor has.
 #include <benchmark/benchmark.h>
 
-#include <memory>
+#include <utility>
+#include <vector>
 
 #include "benchmarks/scene.h"
-#include "camera_pose/camera_position_grad_func.h"
-#include "camera_pose/camera_position_opt_func.h"
-#include "fw_opt/linear_taylor_solver.h"
+#include "camera_pose/pose_system.h"
 
 namespace {
 
-/// A scene in the form that the classes' constructors take.
-struct Problem {
-  explicit Problem(const benchmark::State& state)
-      : scene(bench::random_scene(static_cast<int>(state.range(0)), 1)),
-        x0(bench::search_vector(0, scene.start)),
-        K(3, 3) {
-    for (auto X = scene.points.begin(); X != scene.points.end(); X += 3) points.emplace_back(X, X + 3);
-    K[0][0] = K[1][1] = scene.intrinsics.f;
-    K[0][2] = scene.intrinsics.cx;
-    K[1][2] = scene.intrinsics.cy;
-    K[2][2] = 1;
-  }
+using kelvane::Instruction_set;
 
+struct Problem {
   bench::Scene scene;
   std::vector<double> x0;
-  std::vector<std::vector<double>> points;
-  fw::matrix<double> K;
+  kelvane::Measurements data;
+  kelvane::Pose_problem equations;
+
+  explicit Problem(int num_points) : Problem(bench::random_scene(num_points, 1)) {}
+  /// The points must be where they are to be: the last of them are copied.
+  explicit Problem(bench::Scene the_scene)
+      : scene(std::move(the_scene)),
+        x0(bench::search_vector(0, scene.start)),
+        data(scene.points.data(), scene.pixels.data(), 2, nullptr, 1, static_cast<std::size_t>(scene.num_points)),
+        equations{kelvane::find_rotation_type(0),
+                  {scene.intrinsics.f, scene.intrinsics.cx, scene.intrinsics.cy},
+                  &data,
+                  nullptr} {}
 };
+
+bool skip_unless_available(benchmark::State& state, Instruction_set set) {
+  if (kelvane::is_available(set)) return false;
+  state.SkipWithError("not on this processor");
+  return true;
+}
 
 void set_time_per_point(benchmark::State& state) {
   const double num_points = static_cast<double>(state.iterations()) * static_cast<double>(state.range(0));
@@ -36,34 +42,51 @@ void set_time_per_point(benchmark::State& state) {
       benchmark::Counter(num_points, benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
 }
 
-void prediction(benchmark::State& state) {
-  const Problem problem(state);
-  const Camera_position_opt_func objective(problem.points, problem.K, 0);
-  for (auto _ : state) benchmark::DoNotOptimize(objective(problem.x0).data());
+/// A piece's rows alone.
+void rows(benchmark::State& state, Instruction_set set) {
+  if (skip_unless_available(state, set)) return;
+  const Problem problem(static_cast<int>(state.range(0)));
+  kelvane::Pose_rows rows_at(problem.equations, set);
+  rows_at.go_to(problem.x0.data(), true);
+  kelvane::Block block;
+  block.resize(6);
+  for (auto _ : state) benchmark::DoNotOptimize(rows_at.make(problem.data.piece(0), 0, block));
   set_time_per_point(state);
 }
 
-void jacobian(benchmark::State& state) {
-  const Problem problem(state);
-  const Camera_position_grad_func_aau jacobian_of(problem.points, problem.K, nullptr);
-  cv::Mat J(2 * problem.scene.num_points, 6, CV_64F);
+/// Rows and triangle.
+void linearisation(benchmark::State& state, Instruction_set set) {
+  if (skip_unless_available(state, set)) return;
+  const Problem problem(static_cast<int>(state.range(0)));
+  kelvane::Pose_system system(problem.equations, set);
+  for (auto _ : state) benchmark::DoNotOptimize(system.linearise(problem.x0.data(), true));
+  set_time_per_point(state);
+}
+
+void prediction(benchmark::State& state, Instruction_set set) {
+  if (skip_unless_available(state, set)) return;
+  const Problem problem(static_cast<int>(state.range(0)));
+  kelvane::Pose_system system(problem.equations, set);
+  for (auto _ : state) benchmark::DoNotOptimize(system.squared_error(problem.x0.data()));
+  set_time_per_point(state);
+}
+
+Problem problem_of_step(bool is_degenerate) {
+  bench::Scene scene = bench::random_scene(100, 1);
+  for (std::size_t i = 3; is_degenerate && i < scene.points.size(); ++i) scene.points[i] = scene.points[i - 3];
+  return Problem(std::move(scene));
+}
+
+/// All points equal, or not: singular values decide about the rank, or need not be asked.
+void step(benchmark::State& state, bool is_degenerate) {
+  const Problem problem = problem_of_step(is_degenerate);
+  kelvane::Pose_system system(problem.equations);
+  system.linearise(problem.x0.data(), true);
+  double dx[6];
   for (auto _ : state) {
-    jacobian_of(problem.x0, J, 0);
-    benchmark::ClobberMemory();
+    system.step(dx);
+    benchmark::DoNotOptimize(dx);
   }
-  set_time_per_point(state);
-}
-
-void iteration(benchmark::State& state) {
-  const Problem problem(state);
-  fw::Linear_taylor_solver solver;
-  solver.set_num_dimensions(6);
-  solver.set_num_equations(2 * problem.scene.num_points);
-  solver.set_max_iters(1);
-  solver.set_grad_funcs({new Camera_position_grad_func_aau(
-      problem.points, problem.K, new Camera_position_opt_func(problem.points, problem.K, 0))});  // the solver owns both
-  for (auto _ : state) benchmark::DoNotOptimize(solver.optimise(problem.x0, problem.scene.pixels).data());
-  set_time_per_point(state);
 }
 
 void sizes(benchmark::internal::Benchmark* cases) {
@@ -72,12 +95,13 @@ void sizes(benchmark::internal::Benchmark* cases) {
 
 }  // namespace
 
-BENCHMARK(prediction)->Apply(sizes);
-BENCHMARK(jacobian)->Apply(sizes);
-BENCHMARK(iteration)->Apply(sizes);
-
-int main(int argc, char** argv) {
-  cv::setNumThreads(1);
-  benchmark::Initialize(&argc, argv);
-  benchmark::RunSpecifiedBenchmarks();
-}
+BENCHMARK_CAPTURE(rows, sse2, Instruction_set::sse2)->Arg(120);
+BENCHMARK_CAPTURE(rows, avx2, Instruction_set::avx2)->Arg(120);
+BENCHMARK_CAPTURE(rows, avx512, Instruction_set::avx512)->Arg(120);
+BENCHMARK_CAPTURE(linearisation, sse2, Instruction_set::sse2)->Arg(120);
+BENCHMARK_CAPTURE(linearisation, avx2, Instruction_set::avx2)->Arg(120);
+BENCHMARK_CAPTURE(linearisation, best, kelvane::best_instruction_set())->Apply(sizes);
+BENCHMARK_CAPTURE(prediction, best, kelvane::best_instruction_set())->Apply(sizes);
+BENCHMARK_CAPTURE(step, regular, false);
+BENCHMARK_CAPTURE(step, degenerate, true);
+BENCHMARK_MAIN();

@@ -4,7 +4,7 @@
 #include <string>
 
 #include "benchmarks/counting_malloc.h"
-#include "benchmarks/literal_reference.h"
+#include "benchmarks/framework_classes.h"
 #include "benchmarks/markdown.h"
 #include "benchmarks/module_call.h"
 
@@ -12,28 +12,24 @@ namespace {
 
 using namespace bench;
 
-double bytes_per_point(const Entry& entry, int type) {
+double bytes_per_point(const Entry& entry, const Task& task) {
   constexpr int num_points = 100000;
   const Scene few = random_scene(6, 1);
   const Scene many = random_scene(num_points, 1);
-  entry.make(few, type)->refine();  // what libraries keep from their first call on
-  const auto competitor = entry.make(many, type);
+  entry.make(few, task)->refine();  // what libraries keep from their first call on
+  const auto competitor = entry.make(many, task);
   return static_cast<double>(peak_bytes([&competitor] { competitor->refine(); })) / num_points;
-}
-
-std::string limit(int type) {
-  if (type == 0) return "260";
-  return type == -2 ? "1000" : "-";
 }
 
 }  // namespace
 
 int main() {
   cv::setNumThreads(1);
-  Table table({"type", "kelvane", "goal", "literal"});
-  for (const int type : {0, 1, 2, 10, -2}) {
-    table.add({std::to_string(type), number(bytes_per_point(module_call(), type)), limit(type),
-               number(bytes_per_point(literal_reference(), type))});
+  Table table({"type", "kelvane", "framework", "literal"});
+  for (const Task& task : {Task{0, false}, Task{0, true}, Task{1, false}, Task{10, false}, Task{-2, false}}) {
+    const auto bytes = [&task](const Entry& entry) { return number(bytes_per_point(entry, task)); };
+    table.add({std::to_string(task.type) + (task.by_differences ? ", differences" : ""), bytes(module_call()),
+               bytes(framework()), task.by_differences ? "-" : bytes(literal())});
   }
   std::cout
       << "## Memory\n\nHeap bytes per point at the highest moment of a call, without the inputs, N = 100,000:\n\n";

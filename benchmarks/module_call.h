@@ -2,6 +2,7 @@
 // The module as a competitor: whole calls of mexFunction in the stand-in host.
 #pragma once
 
+#include <string>
 #include <vector>
 
 #include "benchmarks/competitor.h"
@@ -10,10 +11,12 @@
 namespace bench {
 
 /// The input arrays of a call, criteria and type only where the type is not 0.
-std::vector<mxArray> module_inputs(const Scene& scene, int type);
+std::vector<mxArray> module_inputs(const Scene& scene, const Task& task);
 
 /// What is timed is one call: checks, copies, iterations, result, and the host's part of it.
 Entry module_call();
+/// The same of another module, a file built for a host: "other". Throws std::runtime_error when it cannot be loaded.
+Entry other_module_call(const std::string& file);
 
 /// What the host itself costs in a call of type 0: a call that asks every input everything once and creates the output.
 double host_ns();

@@ -38,9 +38,11 @@ cv::Matx33d left_jacobian(const cv::Vec3d& r) {
 std::vector<double> search_vector(int type, const Pose& pose) {
   const cv::Vec3d r = rotation_vector(pose.R);
   const double angle = cv::norm(r);
-  if (type != 1 && type != 2) return {r[0], r[1], r[2], pose.t[0], pose.t[1], pose.t[2]};
-  const cv::Vec3d v = r * ((type == 1 ? 1 : std::sin(angle / 2)) / angle);
-  return {v[0], v[1], v[2], type == 1 ? angle : std::cos(angle / 2), pose.t[0], pose.t[1], pose.t[2]};
+  const bool is_axis = type == 1 || type == -3;
+  const bool is_quaternion = type == 2 || type == -1;
+  if (!is_axis && !is_quaternion) return {r[0], r[1], r[2], pose.t[0], pose.t[1], pose.t[2]};
+  const cv::Vec3d v = r * ((is_axis ? 1 : std::sin(angle / 2)) / angle);
+  return {v[0], v[1], v[2], is_axis ? angle : std::cos(angle / 2), pose.t[0], pose.t[1], pose.t[2]};
 }
 
 Pose pose_of(int type, const std::vector<double>& x) {
@@ -52,8 +54,10 @@ Pose pose_of(int type, const std::vector<double>& x) {
     case 10:
       return {rotation_matrix(v), {x[3], x[4], x[5]}};
     case 1:
+    case -3:
       return {rotation_matrix(v * (x[3] / length)), {x[4], x[5], x[6]}};
     case 2:
+    case -1:
       return {rotation_matrix(v * (2 * std::atan2(length, x[3]) / length)), {x[4], x[5], x[6]}};
     default:
       throw std::invalid_argument("no benchmark for this rotation type");

@@ -22,8 +22,8 @@ cv::Vec3d rotation_vector(const cv::Matx33d& R);
 /// Derivative of exp([r + d]x) = exp([J d]x) exp([r]x) to first order in d: Sola, Deray and Atchuthan 2018, Eq. 145.
 cv::Matx33d left_jacobian(const cv::Vec3d& r);
 
-/// Rotation entries of `type` (rotation vector; type 1: unit axis, angle; type 2: unit quaternion, scalar last), then
-/// t.
+/// Rotation entries of `type` (rotation vector; types 1 and -3: unit axis, angle; types 2 and -1: unit quaternion,
+/// scalar last), then t.
 std::vector<double> search_vector(int type, const Pose& pose);
 /// The pose of a search vector; axis and quaternion may have any length but zero.
 Pose pose_of(int type, const std::vector<double>& x);

@@ -4,29 +4,49 @@
 
 #include <cstddef>
 
-#include "camera_pose/projection.h"
-#include "fw_tools/instruction_set.h"
+#include "camera_pose/camera.h"
+#include "least_squares/instruction_set.h"
 
-/// `points` are groups as in Packed_points. Values go to one place per group and output: eight values of output 0, then
-/// eight of output 1, and so on; rows of a Jacobian likewise, column c of them at columns + c * stride. Everything is
-/// aligned to a cache line. In a last group of fewer than eight points the other places become zero.
+namespace kelvane {
+
+/// Points are whole groups of 3 doubles a point. Results have one place per group and output: eight values of output 0,
+/// then eight of output 1, and so on; column c of a Jacobian is at columns + c * stride. Results are aligned to a cache
+/// line. In a last group of fewer than eight points the other places become zero, whatever fills it up.
 struct Point_kernels {
-  /// Pixels of the points through the projection matrix P: (u, v). A point at depth 0 gives infinities or NaN.
-  void (*predict_pixels)(const double* points, std::size_t num_points, const double (&P)[3][4], double* values);
-  /// P (X, 1)', three outputs, not divided by anything.
-  void (*predict_bearings)(const double* points, std::size_t num_points, const double (&P)[3][4], double* values);
+  /// Rows by a twist (v, omega) of the camera frame, six columns, and the prediction in a seventh: pixels (u, v)
+  /// (docs/derivations.md, Eq. 48), or K p undivided (Eq. 49). A point at depth 0 gives infinities or NaN.
+  void (*pixel_rows)(const double* points, std::size_t num_points, const Camera& camera, double* columns,
+                     std::size_t stride);
+  void (*bearing_rows)(const double* points, std::size_t num_points, const Camera& camera, double* columns,
+                       std::size_t stride);
+  /// The pixel rows as pairs, see Triangle::absorb_pairs: -f / z in column 0, which has one place for each point, four
+  /// columns, and the prediction in a sixth.
+  void (*pixel_pairs)(const double* points, std::size_t num_points, const Camera& camera, double* columns,
+                      std::size_t stride);
 
-  /// du/dx and dv/dx, n_r + 3 columns (docs/derivations.md, Eqs. 21 and 22), and (u, v) itself in one more.
-  void (*pixel_rows_3)(const double* points, std::size_t num_points, const Projection<3>& projection, double* columns,
-                       std::size_t stride);
-  void (*pixel_rows_4)(const double* points, std::size_t num_points, const Projection<4>& projection, double* columns,
-                       std::size_t stride);
-  /// dp1/dx, dp2/dx, dp3/dx, n_r + 3 columns (docs/derivations.md, Eq. 23), and p itself in one more.
-  void (*bearing_rows_3)(const double* points, std::size_t num_points, const Projection<3>& projection, double* columns,
-                         std::size_t stride);
-  void (*bearing_rows_4)(const double* points, std::size_t num_points, const Projection<4>& projection, double* columns,
-                         std::size_t stride);
+  /// The predictions alone.
+  void (*predict_pixels)(const double* points, std::size_t num_points, const Camera& camera, double* values);
+  void (*predict_bearings)(const double* points, std::size_t num_points, const Camera& camera, double* values);
+
+  /// Rows by forward differences, n columns, and the prediction in another.
+  void (*pixel_differences)(const double* points, std::size_t num_points, const Moved_cameras& cameras, double* columns,
+                            std::size_t stride);
+  void (*bearing_differences)(const double* points, std::size_t num_points, const Moved_cameras& cameras,
+                              double* columns, std::size_t stride);
+
+  /// Rows by the parameters of the rotation and t, n + 3 columns (docs/derivations.md, Eqs. 21 to 23).
+  void (*pixel_rows_by_parameters)(const double* points, std::size_t num_points, const Projection& projection,
+                                   double* columns, std::size_t stride);
+  void (*bearing_rows_by_parameters)(const double* points, std::size_t num_points, const Projection& projection,
+                                     double* columns, std::size_t stride);
+
+  /// Turns the predictions v into what is left of observations y, which are items of 2 (pixels) or 3 (bearings)
+  /// doubles: y - v. Returns the sum of its squares.
+  double (*subtract_pixels)(const double* observations, std::size_t num_groups, double* values);
+  double (*subtract_bearings)(const double* observations, std::size_t num_groups, double* values);
 };
 
 /// The set must be available.
-const Point_kernels& point_kernels(fw::Instruction_set set);
+const Point_kernels& point_kernels(Instruction_set set);
+
+}  // namespace kelvane

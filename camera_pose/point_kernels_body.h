@@ -3,131 +3,194 @@
 #pragma once
 
 #include "camera_pose/point_kernels.h"
-#include "fw_tools/vector_lanes.h"
+#include "camera_pose/points_body.h"
 
 // NOLINTNEXTLINE(google-build-namespaces): see vector_lanes.h
 namespace {
 
-[[gnu::always_inline]] inline std::size_t size_of_group(std::size_t points_left) {
-  return points_left < num_lanes ? points_left : num_lanes;
+using kelvane::Projection;
+
+template <int width>
+void pixel_rows(const double* points, std::size_t num_points, const Camera& camera, double* columns,
+                std::size_t stride) {
+  visit_points<width>(points, num_points, [&](const Points<width>& some) {
+    const Pixel<width> pixel(some, camera);
+    double* const first = columns + some.template place<2>();
+    double* const second = first + stride;
+    store<width>(first, pixel.g);
+    store<width>(first + group_size, V<width>{});
+    store<width>(second, V<width>{});
+    store<width>(second + group_size, pixel.g);
+    pixel.write_others(second + stride, stride);
+  });
 }
 
-/// Several points next to each other.
 template <int width>
-struct Points {
-  V<width> X, Y, Z;
+void pixel_pairs(const double* points, std::size_t num_points, const Camera& camera, double* columns,
+                 std::size_t stride) {
+  visit_points<width>(points, num_points, [&](const Points<width>& some) {
+    const Pixel<width> pixel(some, camera);
+    store<width>(columns + some.template place<1>(), pixel.g);
+    pixel.write_others(columns + stride + some.template place<2>(), stride);
+  });
+}
+
+template <int width>
+void bearing_rows(const double* points, std::size_t num_points, const Camera& camera, double* columns,
+                  std::size_t stride) {
+  const double f = camera.K.f;
+  const double cx = camera.K.cx;
+  const double cy = camera.K.cy;
+  visit_points<width>(points, num_points, [&](const Points<width>& some) {
+    Vectors<width> p;
+    to_camera_frame<width>(some.X, camera, p);
+    for (V<width>& coordinate : p) coordinate = some.masked(coordinate);
+    const auto write = [&](std::size_t c, const V<width>& x, const V<width>& y, const V<width>& z) {
+      double* const to = columns + c * stride + some.template place<3>();
+      store<width>(to, f * x + cx * z);
+      store<width>(to + group_size, f * y + cy * z);
+      store<width>(to + 2 * group_size, z);
+    };
+    const V<width> zero = {};
+    const V<width> minus_one = some.masked(zero - 1.0);
+    write(0, minus_one, zero, zero);
+    write(1, zero, minus_one, zero);
+    write(2, zero, zero, minus_one);
+    write(3, zero, p[2], -p[1]);
+    write(4, -p[2], zero, p[0]);
+    write(5, p[1], -p[0], zero);
+    write(6, p[0], p[1], p[2]);
+  });
+}
+
+/// The pixel of a point.
+struct Pixel_model {
+  static constexpr std::size_t size = 2;
+
+  template <int width>
+  [[gnu::always_inline]] static void predict(const Points<width>& points, const Camera& camera, V<width> (&y)[size]) {
+    const Pixel<width> pixel(points, camera);
+    y[0] = pixel.u;
+    y[1] = pixel.v;
+  }
 };
 
-template <int width>
-[[gnu::always_inline]] inline Points<width> load_points(const double* points) {
-  return {load<width>(points), load<width>(points + num_lanes), load<width>(points + 2 * num_lanes)};
-}
+/// K p of a point, undivided.
+struct Bearing_model {
+  static constexpr std::size_t size = 3;
 
-/// row (X, Y, Z, 1)'
-template <int width>
-[[gnu::always_inline]] inline V<width> dot(const double (&row)[4], const Points<width>& p) {
-  return row[0] * p.X + row[1] * p.Y + row[2] * p.Z + row[3];
-}
-
-/// row (X, Y, Z)'
-template <int width>
-[[gnu::always_inline]] inline V<width> dot(const double (&row)[3], const Points<width>& p) {
-  return row[0] * p.X + row[1] * p.Y + row[2] * p.Z;
-}
-
-template <int width>
-void predict_pixels(const double* points, std::size_t num_points, const double (&P)[3][4], double* values) {
-  for (std::size_t left = num_points; left > 0;
-       left -= size_of_group(left), points += 3 * num_lanes, values += 2 * num_lanes) {
-    const Mask mask(size_of_group(left));
-    for (std::size_t part = 0; part < num_lanes; part += width) {
-      const auto p = load_points<width>(points + part);
-      const V<width> w = dot<width>(P[2], p);
-      store<width>(values + part, mask.of<width>(dot<width>(P[0], p) / w, part));
-      store<width>(values + num_lanes + part, mask.of<width>(dot<width>(P[1], p) / w, part));
-    }
+  template <int width>
+  [[gnu::always_inline]] static void predict(const Points<width>& points, const Camera& camera, V<width> (&y)[size]) {
+    Vectors<width> p;
+    to_camera_frame<width>(points.X, camera, p);
+    y[0] = points.masked(camera.K.f * p[0] + camera.K.cx * p[2]);
+    y[1] = points.masked(camera.K.f * p[1] + camera.K.cy * p[2]);
+    y[2] = points.masked(p[2]);
   }
+};
+
+template <int width, typename Model>
+void predict(const double* points, std::size_t num_points, const Camera& camera, double* values) {
+  visit_points<width>(points, num_points, [&](const Points<width>& some) {
+    V<width> y[Model::size];
+    Model::template predict<width>(some, camera, y);
+    double* const to = values + some.template place<Model::size>();
+    for (std::size_t k = 0; k < Model::size; ++k) store<width>(to + k * group_size, y[k]);
+  });
 }
 
-template <int width>
-void predict_bearings(const double* points, std::size_t num_points, const double (&P)[3][4], double* values) {
-  for (std::size_t left = num_points; left > 0;
-       left -= size_of_group(left), points += 3 * num_lanes, values += 3 * num_lanes) {
-    const Mask mask(size_of_group(left));
-    for (std::size_t part = 0; part < num_lanes; part += width) {
-      const auto p = load_points<width>(points + part);
-      for (std::size_t i = 0; i < 3; ++i) {
-        store<width>(values + i * num_lanes + part, mask.of<width>(dot<width>(P[i], p), part));
+template <int width, typename Model>
+void differences(const double* points, std::size_t num_points, const kelvane::Moved_cameras& cameras, double* columns,
+                 std::size_t stride) {
+  visit_points<width>(points, num_points, [&](const Points<width>& some) {
+    V<width> y[Model::size];
+    Model::template predict<width>(some, cameras.here, y);
+    double* to = columns + some.template place<Model::size>();
+    for (std::size_t j = 0; j < cameras.n; ++j, to += stride) {
+      V<width> moved[Model::size];
+      Model::template predict<width>(some, cameras.moved[j], moved);
+      for (std::size_t k = 0; k < Model::size; ++k) {
+        store<width>(to + k * group_size, (moved[k] - y[k]) * cameras.inverse_step[j]);
       }
     }
-  }
+    for (std::size_t k = 0; k < Model::size; ++k) store<width>(to + k * group_size, y[k]);
+  });
 }
 
-/// X - t
 template <int width>
-[[gnu::always_inline]] inline Points<width> relative_to_centre(const double* points, const double (&t)[3]) {
-  const auto p = load_points<width>(points);
-  return {p.X - t[0], p.Y - t[1], p.Z - t[2]};
-}
-
-template <int width, std::size_t n_r>
-void pixel_rows(const double* points, std::size_t num_points, const Projection<n_r>& projection, double* columns,
-                std::size_t stride) {
+void pixel_rows_by_parameters(const double* points, std::size_t num_points, const Projection& projection,
+                              double* columns, std::size_t stride) {
   const auto& M = projection.M;
-  for (std::size_t left = num_points; left > 0;
-       left -= size_of_group(left), points += 3 * num_lanes, columns += 2 * num_lanes) {
-    const Mask mask(size_of_group(left));
-    for (std::size_t part = 0; part < num_lanes; part += width) {
-      const auto d = relative_to_centre<width>(points + part, projection.t);
-      const V<width> inverse_w = 1.0 / dot<width>(M[2], d);
-      const V<width> u = dot<width>(M[0], d) * inverse_w;
-      const V<width> v = dot<width>(M[1], d) * inverse_w;
-      const V<width> factor = mask.of<width>(inverse_w, part);
-      double* du = columns + part;
-      double* dv = du + num_lanes;
-#pragma GCC unroll 4
-      for (std::size_t j = 0; j < n_r; ++j, du += stride, dv += stride) {
-        const auto& dM = projection.dM[j];
-        const V<width> dw = dot<width>(dM[2], d);
-        store<width>(du, (dot<width>(dM[0], d) - u * dw) * factor);
-        store<width>(dv, (dot<width>(dM[1], d) - v * dw) * factor);
-      }
-#pragma GCC unroll 3
-      for (std::size_t j = 0; j < 3; ++j, du += stride, dv += stride) {  // d(M (X - t))/dt_j is minus column j of M
-        store<width>(du, (u * M[2][j] - M[0][j]) * factor);
-        store<width>(dv, (v * M[2][j] - M[1][j]) * factor);
-      }
-      store<width>(du, mask.of<width>(u, part));
-      store<width>(dv, mask.of<width>(v, part));
+  visit_points<width>(points, num_points, [&](const Points<width>& some) {
+    Vectors<width> d;
+    load_from_centre<width>(some.X, projection.t, d);
+    const V<width> inverse_w = 1.0 / dot<width>(M[2], d);
+    const V<width> u = dot<width>(M[0], d) * inverse_w;
+    const V<width> v = dot<width>(M[1], d) * inverse_w;
+    double* du = columns + some.template place<2>();
+    double* dv = du + group_size;
+    for (std::size_t j = 0; j < projection.n; ++j, du += stride, dv += stride) {
+      const auto& dM = projection.dM[j];
+      const V<width> dw = dot<width>(dM[2], d);
+      store<width>(du, some.masked((dot<width>(dM[0], d) - u * dw) * inverse_w));
+      store<width>(dv, some.masked((dot<width>(dM[1], d) - v * dw) * inverse_w));
     }
-  }
-}
-
-template <int width, std::size_t n_r>
-void bearing_rows(const double* points, std::size_t num_points, const Projection<n_r>& projection, double* columns,
-                  std::size_t stride) {
-  for (std::size_t left = num_points; left > 0;
-       left -= size_of_group(left), points += 3 * num_lanes, columns += 3 * num_lanes) {
-    const Mask mask(size_of_group(left));
-    for (std::size_t part = 0; part < num_lanes; part += width) {
-      const auto d = relative_to_centre<width>(points + part, projection.t);
-      for (std::size_t i = 0; i < 3; ++i) {
-        double* row = columns + i * num_lanes + part;
-        for (std::size_t j = 0; j < n_r; ++j, row += stride) {
-          store<width>(row, mask.of<width>(dot<width>(projection.dM[j][i], d), part));
-        }
-        for (std::size_t j = 0; j < 3; ++j, row += stride) {
-          store<width>(row, mask.of<width>(V<width>{} - projection.M[i][j], part));
-        }
-        store<width>(row, mask.of<width>(dot<width>(projection.M[i], d), part));
-      }
+    for (std::size_t j = 0; j < 3; ++j, du += stride, dv += stride) {  // d(M (X - t))/dt_j is minus column j of M
+      store<width>(du, some.masked((u * M[2][j] - M[0][j]) * inverse_w));
+      store<width>(dv, some.masked((v * M[2][j] - M[1][j]) * inverse_w));
     }
-  }
+  });
 }
 
 template <int width>
-constexpr Point_kernels point_kernels_of_width = {predict_pixels<width>,  predict_bearings<width>,
-                                                  pixel_rows<width, 3>,   pixel_rows<width, 4>,
-                                                  bearing_rows<width, 3>, bearing_rows<width, 4>};
+void bearing_rows_by_parameters(const double* points, std::size_t num_points, const Projection& projection,
+                                double* columns, std::size_t stride) {
+  visit_points<width>(points, num_points, [&](const Points<width>& some) {
+    Vectors<width> d;
+    load_from_centre<width>(some.X, projection.t, d);
+    for (std::size_t i = 0; i < 3; ++i) {
+      double* row = columns + some.template place<3>() + i * group_size;
+      for (std::size_t j = 0; j < projection.n; ++j, row += stride) {
+        store<width>(row, some.masked(dot<width>(projection.dM[j][i], d)));
+      }
+      for (std::size_t j = 0; j < 3; ++j, row += stride) {
+        store<width>(row, some.masked(V<width>{} - projection.M[i][j]));
+      }
+    }
+  });
+}
+
+template <int width, std::size_t size>
+double subtract(const double* observations, std::size_t num_groups, double* values) {
+  alignas(64) double partial[group_size];
+  for (std::size_t part = 0; part < group_size; part += width) {
+    V<width> total = {};
+    for (std::size_t g = 0; g < num_groups; ++g) {
+      V<width> observed[size];
+      load_items<width>(observations + size * (g * group_size + part), observed);
+      for (std::size_t k = 0; k < size; ++k) {
+        double* const value = values + (size * g + k) * group_size + part;
+        const V<width> left = observed[k] - load<width>(value);
+        store<width>(value, left);
+        total += left * left;
+      }
+    }
+    store<width>(&partial[part], total);
+  }
+  return sum_of_lanes(partial);
+}
+
+template <int width>
+constexpr kelvane::Point_kernels point_kernels_of_width = {pixel_rows<width>,
+                                                           bearing_rows<width>,
+                                                           pixel_pairs<width>,
+                                                           predict<width, Pixel_model>,
+                                                           predict<width, Bearing_model>,
+                                                           differences<width, Pixel_model>,
+                                                           differences<width, Bearing_model>,
+                                                           pixel_rows_by_parameters<width>,
+                                                           bearing_rows_by_parameters<width>,
+                                                           subtract<width, 2>,
+                                                           subtract<width, 3>};
 
 }  // namespace

@@ -1,11 +1,9 @@
 # SPDX-License-Identifier: BSD-3-Clause
-# Warnings and instrumentation of our own code, as a target to link.
+# What our own code is compiled with, warnings and instrumentation, as a target to link.
 add_library(kelvane_compile_options INTERFACE)
 target_compile_options(kelvane_compile_options INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Wold-style-cast -Wnon-virtual-dtor
-  -Woverloaded-virtual
-  # One rounding for each operation as written, whatever the processor has.
-  -ffp-contract=off
+  -Woverloaded-virtual ${module_options}
   # A loop that Clang does not unroll although it was asked to is slower, not wrong.
   $<$<CXX_COMPILER_ID:Clang>:-Wno-pass-failed>)
 if(KELVANE_WARNINGS_AS_ERRORS)

@@ -3,33 +3,38 @@
 # module: one folder to add to Octave's or MATLAB's path. Nothing installed knows where it was built or lies.
 include(CMakePackageConfigHelpers)
 
-# Headers of the inside, which no installed header includes. All others are installed.
+# Of the toolkit and of the framework all headers but these, which no other header includes; of the engine a few.
 set(internal_headers
-  camera_pose/jacobian_rows.h
-  camera_pose/point_kernels.h
-  camera_pose/point_kernels_body.h
+  framework/entries_of_matrix.h
   fw_opt/equation_weights.h
-  fw_opt/matrix_rows.h
-  fw_opt/packed_rows.h
-  fw_opt/reduction_kernels_body.h
-  fw_tools/vector_lanes.h
-  pose_refinement/sites.h)
+  fw_opt/linear_taylor_solver_sites.h
+  fw_opt/underdetermined_system.h)
+set(engine_headers
+  camera_pose/rotation_type.h
+  contract/argument_contract.h
+  contract/refinement.h
+  rotations/conversion_jacobians.h
+  rotations/conversions.h)
 
+set(header_folder "${CMAKE_INSTALL_INCLUDEDIR}/kelvane")
 set(package_folder "${CMAKE_INSTALL_LIBDIR}/cmake/kelvane")
 
 foreach(header IN LISTS internal_headers)
   list(APPEND exclusions PATTERN "${header}" EXCLUDE)
 endforeach()
-install(DIRECTORY fw_tools fw_opt camera_pose pose_refinement DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/kelvane"
-        COMPONENT library FILES_MATCHING PATTERN "*.h" ${exclusions})
+install(DIRECTORY fw_tools fw_opt framework DESTINATION "${header_folder}" COMPONENT library
+        FILES_MATCHING PATTERN "*.h" ${exclusions})
+foreach(header IN LISTS engine_headers)
+  get_filename_component(folder "${header}" DIRECTORY)
+  install(FILES "${header}" DESTINATION "${header_folder}/${folder}" COMPONENT library)
+endforeach()
 
 install(TARGETS kelvane EXPORT kelvaneTargets DESTINATION "${CMAKE_INSTALL_LIBDIR}" COMPONENT library)
 install(EXPORT kelvaneTargets NAMESPACE kelvane:: DESTINATION "${package_folder}" COMPONENT library)
-if(TARGET kelvane_mat_reader)  # a file of its own: who has no imgproc can still use the rest
-  set_target_properties(kelvane_mat_reader PROPERTIES EXPORT_NAME mat_reader)
-  install(TARGETS kelvane_mat_reader EXPORT kelvaneMatReaderTargets DESTINATION "${CMAKE_INSTALL_LIBDIR}"
+if(TARGET kelvane_framework)  # a file of its own: who has no OpenCV can still use the rest
+  install(TARGETS kelvane_framework EXPORT kelvaneFrameworkTargets DESTINATION "${CMAKE_INSTALL_LIBDIR}"
           COMPONENT library)
-  install(EXPORT kelvaneMatReaderTargets NAMESPACE kelvane:: DESTINATION "${package_folder}" COMPONENT library)
+  install(EXPORT kelvaneFrameworkTargets NAMESPACE kelvane:: DESTINATION "${package_folder}" COMPONENT library)
 endif()
 
 configure_package_config_file("${PROJECT_SOURCE_DIR}/cmake/kelvaneConfig.cmake.in"

@@ -8,8 +8,9 @@ function(kelvane_add_mex target)
   configure_file("${PROJECT_SOURCE_DIR}/matlab/kelvane_mex.m" "${PROJECT_BINARY_DIR}/kelvane_mex.m" COPYONLY)
   # By its name alone: in the path of a folder CMake would double a dollar sign.
   set(exports kelvane_mex.map)
-  configure_file("${PROJECT_SOURCE_DIR}/cmake/${exports}" ${exports} COPYONLY)
-  add_library(${target} MODULE "${PROJECT_SOURCE_DIR}/kelvane_mex.cpp")
+  configure_file("${PROJECT_SOURCE_DIR}/${exports}" ${exports} COPYONLY)
+  sources_of(sources .)
+  add_library(${target} MODULE ${sources})
   set_target_properties(${target} PROPERTIES
     OUTPUT_NAME kelvane_mex PREFIX "" SUFFIX "${arg_SUFFIX}"
     LIBRARY_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}"
@@ -17,7 +18,4 @@ function(kelvane_add_mex target)
   target_include_directories(${target} SYSTEM PRIVATE ${arg_INCLUDES})
   target_link_libraries(${target} PRIVATE kelvane kelvane_compile_options ${arg_LIBRARIES})
   target_link_options(${target} PRIVATE "LINKER:--version-script=${exports}")
-  if(KELVANE_SELF_CONTAINED)
-    kelvane_make_self_contained(${target})
-  endif()
 endfunction()

@@ -2,15 +2,16 @@
 // The Jacobian interface: parameters to the derivatives of one objective.
 #pragma once
 
-#include <opencv2/core.hpp>
 #include <vector>
 
 #include "fw_opt/opt_func.h"
 #include "fw_tools/report.h"
 
-namespace fw {
+namespace cv {
+class Mat;
+}
 
-class Packed_jacobian;
+namespace fw {
 
 /// Computes the Jacobian of its base function and carries one weight per equation. The base is owned; neither it nor
 /// the weights are carried over by copying or assignment.
@@ -36,8 +37,6 @@ class Grad_func {
   /// Raises "Tried to access base function for a Grad_func, but none has been set" (fw_opt/grad_func.cpp, 35) when
   /// there is none.
   const Opt_func* base_function() const;
-  /// Whether base_function() has one to give.
-  bool has_base_function() const { return base != nullptr; }
 
   /// As Opt_func::get_weight, on this object's own weights.
   double get_weight(int i) const;
@@ -45,11 +44,6 @@ class Grad_func {
   void set_weights(const std::vector<double>& w);
   /// As Opt_func::set_weight, here and in the base function, if there is one.
   void set_weight(int i, double w);
-  /// All of them, in equation order; empty: every weight is 1.0.
-  const std::vector<double>& get_weights() const { return weights; }
-
-  /// The same Jacobian evaluated in packed order, or null where there is only the operator. Owned by this object.
-  virtual const Packed_jacobian* packed() const { return nullptr; }
 
  protected:
   Opt_func* base = nullptr;     ///< owned; null: none

@@ -6,8 +6,6 @@
 #include <opencv2/core.hpp>
 #include <vector>
 
-#include "fw_opt/least_squares.h"
-#include "fw_opt/packed_gauss_newton.h"
 #include "fw_opt/solver.h"
 
 namespace fw {
@@ -18,14 +16,9 @@ namespace fw {
 /// Weights are applied to function values and target in the first iteration of a run only; from the second on, the
 /// function values are unweighted while target and Jacobian rows stay weighted. With all weights 1.0 every iteration
 /// is a plain Gauss-Newton step; the squared error is unweighted throughout.
-/// Where the one function of a run can do without vectors and matrices for its results, and all sizes fit, the run goes
-/// through Packed_gauss_newton: the same steps to rounding, and nothing is allocated after the first iteration.
+/// Everything goes through the functions' operators, so whatever is derived from them is used.
 class Linear_taylor_solver : public Solver {
  public:
-  using Solver::optimise;
-  /// As Solver::optimise: x0 has num_dimensions entries, the target num_equations.
-  std::vector<double> optimise(const std::vector<double>& x0, const std::vector<double>& target) override;
-
   /// Makes the next iteration the first of a run.
   void reset() override;
 
@@ -58,24 +51,8 @@ class Linear_taylor_solver : public Solver {
   double step_factor(int iter) const;
   void evaluate(const std::vector<double>& x);
 
-  void solve_step(const cv::Mat& J, const cv::Mat& b, double* dx);
-
   std::vector<double> func_values;      // at the current point: weighted in the first iteration, then unweighted
   std::vector<double> weighted_target;  // made in the first iteration of a run
-  bool is_in_optimise = false;          // so functions and target stay what they are until the run ends
-  Packed_gauss_newton packed_run;       // holds both of the above while it is active
-  Least_squares least_squares;
 };
-
-namespace site {
-inline constexpr Site too_many_outputs{
-    "fw_opt/linear_taylor_solver.cpp", 57,
-    "virtual void fw::Linear_taylor_solver::inner_optimise(const std::vector<double, std::allocator<double> >&, const "
-    "std::vector<double, std::allocator<double> >&, std::vector<double, std::allocator<double> >&, double&, int)"};
-inline constexpr Site num_outputs{too_many_outputs.file, 80, too_many_outputs.signature};
-inline constexpr Site num_targets{too_many_outputs.file, 83, too_many_outputs.signature};
-inline constexpr Site num_steps{too_many_outputs.file, 106, too_many_outputs.signature};
-inline constexpr Site inner_optimise{too_many_outputs.file, 200, too_many_outputs.signature};
-}  // namespace site
 
 }  // namespace fw

@@ -6,8 +6,6 @@
 
 namespace fw {
 
-class Packed_function;
-
 /// Maps a parameter vector to predicted values, one per equation, and carries one weight per equation.
 /// Weights are never carried over by copying or assignment: a copy starts with none.
 class Opt_func {
@@ -32,11 +30,6 @@ class Opt_func {
   /// Sets the weight of equation i. Grows the list up to i when needed; the entries in between weigh 0.0.
   /// Throws std::out_of_range "vector::_M_range_check" when i is negative.
   void set_weight(int i, double w);
-  /// All of them, in equation order; empty: every weight is 1.0.
-  const std::vector<double>& get_weights() const { return weights; }
-
-  /// The same function evaluated in packed order, or null where there is only the operator. Owned by this object.
-  virtual const Packed_function* packed() const { return nullptr; }
 
  protected:
   std::vector<double> weights;  ///< by local equation index; empty: all 1.0

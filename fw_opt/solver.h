@@ -92,8 +92,10 @@ class Solver {
   /// As set; no at first.
   bool has_decreasing_step_size() const { return decreasing_step_size; }
 
- private:
+  /// The loop of optimise(x0, target), without reset() and checks.
   std::vector<double> iterate(const std::vector<double>& x0, const std::vector<double>& target);
+
+ private:
   bool is_finished(const std::vector<double>& best, const std::vector<double>& x, double decrease, int iter) const;
 
   std::vector<std::vector<double>> finite_difference_steps;

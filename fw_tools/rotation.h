@@ -13,7 +13,7 @@
 
 #include "fw_tools/matrix.h"
 #include "fw_tools/report.h"
-#include "fw_tools/rotation_arrays.h"
+#include "rotations/conversions.h"
 
 namespace fw {
 
@@ -108,7 +108,7 @@ matrix<T> to_matrix(const T (&R)[3][3]) {
 template <typename T>
 const std::vector<T> rot_mat_to_ang_axis_rad(const matrix<T>& R) try {
   T a[4];
-  rotation_arrays::rot_mat_to_ang_axis_rad(rotation_detail::Elements<T>(R).R, R.trace(), a);
+  kelvane::rotations::rot_mat_to_ang_axis_rad(rotation_detail::Elements<T>(R).R, R.trace(), a);
   return {a, a + 4};
 }
 FW_ADD_CONTEXT(site::rot_mat_to_ang_axis_context, "")
@@ -126,20 +126,20 @@ std::vector<T> rot_mat_to_quaternion(matrix<T> R) {
                R.get_dim1(), " by ", R.get_dim2()));
   }
   T q[4];
-  rotation_arrays::rot_mat_to_quaternion(rotation_detail::Elements<T>(R).R, q);
+  kelvane::rotations::rot_mat_to_quaternion(rotation_detail::Elements<T>(R).R, q);
   return {q, q + 4};
 }
 
 template <typename T>
 const std::vector<T> rot_vec_to_ang_axis(const std::vector<T>& v) {
   std::vector<T> result(v.size() + 1);
-  result.back() = rotation_arrays::split_length(v.data(), v.size(), result.data());
+  result.back() = kelvane::rotations::split_length(v.data(), v.size(), result.data());
   return result;
 }
 
 template <typename T>
 void enforce_ang_axis(std::vector<T>& a) {
-  if (a.size() >= 2) rotation_arrays::normalise_axis(a.data(), a.size() - 1);
+  if (a.size() >= 2) kelvane::rotations::normalise_axis(a.data(), a.size() - 1);
 }
 
 template <typename T>
@@ -149,7 +149,7 @@ const std::vector<T> ang_axis_to_rot_vec(const std::vector<T>& a) try {
           text("input std::vector had size ", a.size(), " doesn't seem to be a normalised angle axis std::vector"));
   }
   std::vector<T> v = a;
-  rotation_arrays::ang_axis_to_rot_vec(a.data(), a.size() - 1, v.data());
+  kelvane::rotations::ang_axis_to_rot_vec(a.data(), a.size() - 1, v.data());
   v.pop_back();
   return v;
 }
@@ -158,7 +158,7 @@ FW_ADD_CONTEXT(site::ang_axis_to_rot_vec_context, "")
 template <typename T>
 matrix<T> quaternion_to_rot_mat(std::vector<T>& q) {
   T R[3][3];
-  rotation_arrays::quaternion_to_rot_mat(q.data(), R);
+  kelvane::rotations::quaternion_to_rot_mat(q.data(), R);
   return rotation_detail::to_matrix(R);
 }
 
@@ -169,7 +169,7 @@ const matrix<T> ang_axis_rad_to_rot_mat(const std::vector<T>& a) try {
           text("Conversion only implemented for 3d rotations. input had size ", a.size()));
   }
   T R[3][3];
-  rotation_arrays::ang_axis_rad_to_rot_mat(a.data(), R);
+  kelvane::rotations::ang_axis_rad_to_rot_mat(a.data(), R);
   return rotation_detail::to_matrix(R);
 }
 FW_ADD_CONTEXT(site::ang_axis_to_rot_mat_context, "")
@@ -178,7 +178,7 @@ template <typename T>
 const matrix<T> rot_vec_rad_to_rot_mat(const std::vector<T>& v) {
   if (v.size() != 3) raise(site::rot_vec_to_rot_mat_size, "Conversion only implemented for 3d rotations");
   T R[3][3];
-  rotation_arrays::rot_vec_rad_to_rot_mat(v.data(), R);
+  kelvane::rotations::rot_vec_rad_to_rot_mat(v.data(), R);
   return rotation_detail::to_matrix(R);
 }
 

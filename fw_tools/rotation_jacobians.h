@@ -11,7 +11,7 @@
 
 #include "fw_tools/Opencv_io.h"
 #include "fw_tools/report.h"
-#include "fw_tools/rotation_jacobian_elements.h"
+#include "rotations/conversion_jacobians.h"
 
 namespace fw {
 
@@ -54,42 +54,42 @@ inline constexpr Site full_jacobian_block{
 template <typename T>
 cv::Mat_<T> quaternion_to_rot_vec_jacobian(const std::vector<T>& q) {
   cv::Mat_<T> J(3, 4);
-  rotation_jacobian_elements::quaternion_to_rot_vec_jacobian(q.data(), J);
+  kelvane::rotations::quaternion_to_rot_vec_jacobian(q.data(), J);
   return J;
 }
 
 template <typename T>
 cv::Mat_<T> quaternion_to_angle_axis_jacobian(const std::vector<T>& q) {
   cv::Mat_<T> J(4, 4);
-  rotation_jacobian_elements::quaternion_to_angle_axis_jacobian(q.data(), J);
+  kelvane::rotations::quaternion_to_angle_axis_jacobian(q.data(), J);
   return J;
 }
 
 template <typename T>
 cv::Mat_<T> rot_vec_to_quaternion_jacobian(const std::vector<T>& v) {
   cv::Mat_<T> J(4, 3);
-  rotation_jacobian_elements::rot_vec_to_quaternion_jacobian(v.data(), J);
+  kelvane::rotations::rot_vec_to_quaternion_jacobian(v.data(), J);
   return J;
 }
 
 template <typename T>
 cv::Mat_<T> rot_vec_to_angle_axis_jacobian(const std::vector<T>& v) {
   cv::Mat_<T> J(4, 3);
-  rotation_jacobian_elements::rot_vec_to_angle_axis_jacobian(v.data(), J);
+  kelvane::rotations::rot_vec_to_angle_axis_jacobian(v.data(), J);
   return J;
 }
 
 template <typename T>
 cv::Mat_<T> angle_axis_to_quaternion_jacobian(const std::vector<T>& a) {
   cv::Mat_<T> J(4, 4);
-  rotation_jacobian_elements::angle_axis_to_quaternion_jacobian(a.data(), J);
+  kelvane::rotations::angle_axis_to_quaternion_jacobian(a.data(), J);
   return J;
 }
 
 template <typename T>
 cv::Mat_<T> angle_axis_to_rot_vec_jacobian(const std::vector<T>& a) {
   cv::Mat_<T> J(3, 4);
-  rotation_jacobian_elements::angle_axis_to_rot_vec_jacobian(a.data(), J);
+  kelvane::rotations::angle_axis_to_rot_vec_jacobian(a.data(), J);
   return J;
 }
 

@@ -8,8 +8,8 @@ function plan = buildfile()
 end
 
 function mexTask(~)
-% Compile kelvane_mex beside its help; OpenCV is in the folder of that name in the environment, or where the system has it
-  kelvane_build('OpenCV', getenv('OpenCV_ROOT'));
+% Compile kelvane_mex beside its help
+  kelvane_build();
 end
 
 function checkTask(context)
@@ -38,7 +38,7 @@ function packageTask(context)
 end
 
 function number = project_version(project)
-  text = fileread(fullfile(project, 'CMakeLists.txt'));
-  number = regexp(text, 'project\(kelvane VERSION ([\d.]+)', 'tokens', 'once');
+  text = fileread(fullfile(project, 'kelvane_mex.build'));
+  number = regexp(text, '^version: ([\d.]+)', 'tokens', 'once', 'lineanchors');
   number = number{1};
 end

@@ -4,17 +4,12 @@
 %   kelvane_build(name, value, ...)
 %   [file, calls] = kelvane_build(...)
 %
-%   For hosts without CMake around; otherwise "cmake --preset release" and "cmake --build --preset release" do the same.
-%   Sources and their options come from CMake's files. 64-bit Linux with GCC or Clang; takes one or two minutes.
+%   Needs a compiler, GCC or Clang, on 64-bit Linux, and no library; takes about a minute.
 %
 %   Options:
-%     'OpenCV'       folder in which include/opencv4 or include, and lib, lib64 or lib/x86_64-linux-gnu hold the core of
-%                    OpenCV 3 or 4; by default /usr/local or /usr. With a static core alone, such as that of
-%                    scripts/opencv_core, the module is self-contained: it loads beside any other OpenCV and LAPACK
-%     'Output'       folder for the module, default that of this function, where it hides the help text kelvane_mex.m
-%     'LinkOptions'  cell of options for the linker, such as {'-lz', '-llapack'}: what a static OpenCV needs besides itself
-%     'Display'      'iter' (default): a line for each file; or 'off'
-%     'DryRun'       true: nothing is compiled, the calls of mex are only returned; default false
+%     'Output'   folder for the module, default that of this function, where it hides the help text kelvane_mex.m
+%     'Display'  'iter' (default): a line for each file; or 'off'
+%     'DryRun'   true: nothing is compiled, the calls of mex are only returned; default false
 %
 %   Outputs:
 %     file           the module
@@ -33,29 +28,26 @@
 % The build of the module without CMake.
 function [file, calls] = kelvane_build(varargin)
   here = fileparts(mfilename('fullpath'));
-  defaults = struct('OpenCV', '', 'Output', here, 'LinkOptions', {{}}, 'Display', 'iter', 'DryRun', false);
+  defaults = struct('Output', here, 'Display', 'iter', 'DryRun', false);
   options = parse_options('kelvane_build', defaults, varargin);
   options.Display = one_of(options.Display, {'off', 'iter'}, 'kelvane:option', 'Display');
-  check_texts(options);
+  if ~ischar(options.Output) || isempty(options.Output)
+    error('kelvane:option', 'Output must be a folder.');
+  end
   project = fileparts(here);
   if ~exist(fullfile(project, 'kelvane_mex.cpp'), 'file')
     error('kelvane:build', 'The sources of kelvane_mex are not in the folder above that of kelvane_build.');
   end
   hosts = {'matlab', 'octave'};
   host = hosts{1 + (exist('OCTAVE_VERSION', 'builtin') ~= 0)};
-  opencv = find_opencv(options.OpenCV);
-  is_static = ~exist(fullfile(opencv.library, 'libopencv_core.so'), 'file');
-  [sources, opencv.flags] = build_sources(project, is_static);
-  if ~is_static
-    opencv.flags = {['-Wl,-rpath,', opencv.library]};
-  end
+  [sources, compile_options] = build_sources(project);
   places = build_places(host, project, options.Output);
-  calls = build_calls(host, sources, places, opencv, options.LinkOptions);
+  calls = build_calls(host, sources, compile_options, places);
   file = fullfile(options.Output, ['kelvane_mex.', mexext()]);
   if ~options.DryRun
     steps = {};
     if strcmp(options.Display, 'iter')
-      steps = [{sources.file}, {'linking'}];
+      steps = [sources, {'linking'}];
     end
     ensure_folder(options.Output);
     file = build(project, absolute_folder(options.Output), places, calls, steps);
@@ -63,39 +55,6 @@ function [file, calls] = kelvane_build(varargin)
   if nargout == 0
     clear file calls;
   end
-end
-
-function check_texts(options)
-  if ~ischar(options.OpenCV) || ~ischar(options.Output) || ~iscellstr(options.LinkOptions)
-    error('kelvane:option', 'OpenCV and Output must be folders, LinkOptions a cell of words.');
-  end
-end
-
-function opencv = find_opencv(prefix)
-  prefixes = {prefix};
-  if isempty(prefix)
-    prefixes = {'/usr/local', '/usr'};
-  end
-  for candidate = prefixes
-    opencv.include = first_with(candidate{1}, {'include/opencv4', 'include'}, {'opencv2/core.hpp'});
-    opencv.library = first_with(candidate{1}, {'lib', 'lib64', 'lib/x86_64-linux-gnu'}, ...
-                                {'libopencv_core.so', 'libopencv_core.a'});
-    if ~isempty(opencv.include) && ~isempty(opencv.library)
-      return;
-    end
-  end
-  error('kelvane:build', 'OpenCV''s core is not below %s. Say where it is: kelvane_build(''OpenCV'', folder).', ...
-        strjoin(prefixes, ' or '));
-end
-
-function folder = first_with(prefix, folders, files)
-  for i = 1:numel(folders)
-    folder = fullfile(prefix, folders{i});
-    if any(cellfun(@(file) exist(fullfile(folder, file), 'file'), files))
-      return;
-    end
-  end
-  folder = '';
 end
 
 function folder = absolute_folder(folder)
@@ -161,11 +120,10 @@ end
 %! assert(numel(calls) > 10);
 
 %!test  % the last call links all that the others compile
-%! [~, calls] = kelvane_build('DryRun', true, 'LinkOptions', {'-lz'});
+%! [~, calls] = kelvane_build('DryRun', true);
 %! outputs = cellfun(@(call) call{find(strcmp(call, '-o')) + 1}, calls, 'UniformOutput', false);
 %! assert(all(ismember(outputs(1:end - 1), calls{end})));
-%! assert(calls{end}(end - 1:end), {'-lopencv_core', '-lz'});
 
-%!error <OpenCV's core is not below /nowhere> kelvane_build('OpenCV', '/nowhere')
-%!error <OpenCV and Output must be folders> kelvane_build('Output', 3)
-%!error <Did you mean 'OpenCV'> kelvane_build('OpenCF', '/usr')
+%!error <Output must be a folder> kelvane_build('Output', 3)
+%!error <Output must be a folder> kelvane_build('Output', '')
+%!error <Did you mean 'Output'> kelvane_build('Outputs', '/usr')

@@ -14,7 +14,7 @@ if [ -z "${KELVANE_PACKAGING:-}" ]; then
 fi
 umask 022  # the modes of what is installed are part of the bits
 
-version=$(sed -n 's/^project(kelvane VERSION \([0-9.]*\).*/\1/p' CMakeLists.txt)
+version=$(sed -n 's/^version: //p' kelvane_mex.build)
 
 # Whoever owns the folder: these are the sources whose scripts are running.
 project_git() { git -c safe.directory='*' "$@"; }
@@ -43,10 +43,10 @@ stage() {
   copy_listed "$staged"
 }
 
-# stage_module FOLDER: all that CMake or kelvane_build needs to build the module
+# stage_module FOLDER: all that the module is built from
 stage_module() {
-  stage "$1" CMakeLists.txt LICENSE kelvane_mex.cpp cmake fw_tools fw_opt camera_pose pose_refinement self_contained \
-    scripts/functions.sh scripts/opencv_core matlab/kelvane_mex.m
+  # shellcheck disable=SC2046 # names of folders
+  stage "$1" LICENSE kelvane_mex.* old_libraries.cpp $(sed -n 's/^folders: //p' kelvane_mex.build)
 }
 
 # stage_functions FOLDER: the m-files for daily use with their demos, without what builds the module

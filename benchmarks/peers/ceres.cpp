@@ -69,7 +69,7 @@ class Ceres final : public Competitor {
 }  // namespace
 
 Entry ceres_solver() {
-  return {"Ceres", [](const Scene& scene, int /*type*/) { return std::make_unique<Ceres>(scene); }};
+  return {"Ceres", [](const Scene& scene, const Task& /*task*/) { return std::make_unique<Ceres>(scene); }};
 }
 
 }  // namespace bench

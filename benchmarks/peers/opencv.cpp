@@ -45,7 +45,8 @@ class Opencv final : public Competitor {
 };
 
 Entry entry(const char* name, Opencv::Function function) {
-  return {name, [function](const Scene& scene, int /*type*/) { return std::make_unique<Opencv>(scene, function); }};
+  return {name,
+          [function](const Scene& scene, const Task& /*task*/) { return std::make_unique<Opencv>(scene, function); }};
 }
 
 }  // namespace

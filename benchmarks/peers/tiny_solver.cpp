@@ -73,7 +73,7 @@ Entry tiny_solver_for_this_cpu() {
 Entry tiny_solver() {
   return {"TinySolver",
 #endif
-        [](const Scene& scene, int /*type*/) { return std::make_unique<Tiny_solver>(scene); }
+        [](const Scene& scene, const Task& /*task*/) { return std::make_unique<Tiny_solver>(scene); }
   };
 }
 

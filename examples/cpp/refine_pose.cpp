@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
-// Refines a camera pose twice: by the call that the module makes, and with a solver that is set up by hand.
+// Refines a camera pose twice: by the call that the module makes, and with the published classes, set up by hand.
 #include <cmath>
 #include <cstddef>
 #include <cstdio>
@@ -7,16 +7,17 @@
 #include <memory>
 #include <vector>
 
-#include "camera_pose/camera_position_grad_func.h"
-#include "camera_pose/camera_position_opt_func.h"
+#include "contract/refinement.h"
+#include "framework/camera_position_grad_func.h"
+#include "framework/camera_position_opt_func.h"
 #include "fw_opt/linear_taylor_solver.h"
-#include "pose_refinement/refinement.h"
 
 namespace {
 
 constexpr int rotation_vectors = 0;  // the rotation type
 constexpr int num_points = 6;
-constexpr double points[] = {-1, -1, 0, 1, -1, 0.2, 1, 1, 0, -1, 1, 0.4, 0, 0, 1, 0.5, 0.3, -0.5};  // X, Y, Z of each
+const std::vector<std::vector<double>> points = {{-1, -1, 0},  {1, -1, 0.2}, {1, 1, 0},
+                                                 {-1, 1, 0.4}, {0, 0, 1},    {0.5, 0.3, -0.5}};
 constexpr double focal_length = 800;
 constexpr double cx = 320;
 constexpr double cy = 240;
@@ -24,25 +25,26 @@ constexpr double cy = 240;
 /// A rotation vector in radians, then the camera centre in the units of the points.
 const std::vector<double> start = {0.55, 0.65, 0.58, -3.8, 2.1, -4.1};
 
-/// Nothing to set up, and what kelvane_mex returns.
+/// Nothing to set up, all the speed, and what kelvane_mex returns.
 std::vector<double> refine_by_call(const std::vector<double>& pixels) {
   std::vector<double> camera = start;
   camera.insert(camera.end(), {focal_length, cx, cy});
-  pose_refinement::Arguments arguments{};
-  arguments.type = find_rotation_type(rotation_vectors);
+  std::vector<double> coordinates;
+  for (const auto& point : points) coordinates.insert(coordinates.end(), point.begin(), point.end());
+  kelvane::contract::Arguments arguments{};
+  arguments.type = kelvane::find_rotation_type(rotation_vectors);
   arguments.num_points = num_points;
   arguments.camera_parameters = camera.data();
-  arguments.points = points;
+  arguments.points = coordinates.data();
   arguments.observations = pixels.data();
-  return refine(pose_refinement::Problem(arguments), pose_refinement::Settings(arguments));
+  return kelvane::contract::refine(arguments, kelvane::contract::Settings(arguments));
 }
 
 /// Stopping rules, weights or functions of your own: the same solver, piece by piece.
-std::vector<double> refine_by_solver(const std::shared_ptr<const Packed_points>& stored, const Intrinsics& intrinsics,
-                                     const std::vector<double>& pixels) {
+std::vector<double> refine_by_solver(const fw::matrix<double>& K, const std::vector<double>& pixels) {
   // The Jacobian owns the prediction that it differentiates, and the solver owns the Jacobian.
-  auto prediction = std::make_unique<Camera_position_opt_func>(stored, intrinsics, rotation_vectors);
-  auto jacobian = std::make_unique<Camera_position_grad_func_aau>(stored, intrinsics, prediction.release());
+  auto prediction = std::make_unique<Camera_position_opt_func>(points, K, rotation_vectors);
+  auto jacobian = std::make_unique<Camera_position_grad_func_aau>(points, K, prediction.release());
   fw::Linear_taylor_solver solver;
   solver.set_num_dimensions(static_cast<int>(start.size()));
   solver.set_num_equations(static_cast<int>(pixels.size()));
@@ -63,9 +65,13 @@ double rms(const fw::Opt_func& prediction, const std::vector<double>& x, const s
 }  // namespace
 
 int main() try {
-  const auto stored = std::make_shared<const Packed_points>(points, num_points);
-  const Intrinsics intrinsics(focal_length, cx, cy);
-  const Camera_position_opt_func prediction(stored, intrinsics, rotation_vectors);
+  fw::matrix<double> K(3, 3);
+  for (unsigned i = 0; i < 3; ++i) {
+    for (unsigned j = 0; j < 3; ++j) K.set(i, j, i == j && i < 2 ? focal_length : i == j ? 1 : 0);
+  }
+  K.set(0, 2, cx);
+  K.set(1, 2, cy);
+  const Camera_position_opt_func prediction(points, K, rotation_vectors);
 
   // What the camera sees from the pose that is to be found: u and v of each point.
   const double r = std::acos(0.5) / std::sqrt(3.0);
@@ -77,7 +83,7 @@ int main() try {
   };
   print("start", start);
   print("by call", refine_by_call(pixels));
-  print("by solver", refine_by_solver(stored, intrinsics, pixels));
+  print("by solver", refine_by_solver(K, pixels));
 } catch (const std::exception& error) {  // an fw::exception_l with a report, or the standard library's
   std::fputs(error.what(), stderr);
   return 1;

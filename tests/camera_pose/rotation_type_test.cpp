@@ -30,7 +30,7 @@ constexpr Expected expected_types[] = {
 class RotationTypeTable : public testing::TestWithParam<Expected> {};
 
 TEST_P(RotationTypeTable, HoldsTheSizesOfTheType) {
-  const Rotation_type* type = find_rotation_type(GetParam().id);
+  const kelvane::Rotation_type* type = kelvane::find_rotation_type(GetParam().id);
   ASSERT_NE(type, nullptr);
   EXPECT_EQ(type->id, GetParam().id);
   EXPECT_STREQ(type->name, GetParam().name);
@@ -44,10 +44,10 @@ TEST_P(RotationTypeTable, HoldsTheSizesOfTheType) {
 
 TEST_P(RotationTypeTable, ReadsTheSearchVectorAsTheFirstRepresentationOfTheName) {
   const std::string name = GetParam().name;
-  const auto expected = name.rfind("aau", 0) == 0   ? Representation::rotation_vector
-                        : name.rfind("aan", 0) == 0 ? Representation::angle_axis
-                                                    : Representation::quaternion;
-  EXPECT_EQ(find_rotation_type(GetParam().id)->representation, expected);
+  const auto expected = name.rfind("aau", 0) == 0   ? kelvane::Representation::rotation_vector
+                        : name.rfind("aan", 0) == 0 ? kelvane::Representation::angle_axis
+                                                    : kelvane::Representation::quaternion;
+  EXPECT_EQ(kelvane::find_rotation_type(GetParam().id)->representation, expected);
 }
 
 INSTANTIATE_TEST_SUITE_P(AllTypes, RotationTypeTable, testing::ValuesIn(expected_types));
@@ -55,9 +55,10 @@ INSTANTIATE_TEST_SUITE_P(AllTypes, RotationTypeTable, testing::ValuesIn(expected
 TEST(RotationType, HasNoRowForAnyOtherNumber) {
   std::set<int> ids;
   for (const Expected& type : expected_types) ids.insert(type.id);
-  for (int id = -1000; id <= 1000; ++id) EXPECT_EQ(find_rotation_type(id) != nullptr, ids.count(id) == 1) << id;
-  EXPECT_EQ(find_rotation_type(std::numeric_limits<int>::max()), nullptr);
-  EXPECT_EQ(find_rotation_type(std::numeric_limits<int>::min()), nullptr);
+  for (int id = -1000; id <= 1000; ++id)
+    EXPECT_EQ(kelvane::find_rotation_type(id) != nullptr, ids.count(id) == 1) << id;
+  EXPECT_EQ(kelvane::find_rotation_type(std::numeric_limits<int>::max()), nullptr);
+  EXPECT_EQ(kelvane::find_rotation_type(std::numeric_limits<int>::min()), nullptr);
 }
 
 }  // namespace

@@ -8,6 +8,7 @@ using mwSize = std::size_t;
 struct mxArray;
 enum mxComplexity { mxREAL, mxCOMPLEX };
 
+#pragma GCC visibility push(default)  // a module finds them in the process
 extern "C" {
 bool mxIsDouble(const mxArray* array);
 bool mxIsSparse(const mxArray* array);
@@ -22,3 +23,4 @@ mxArray* mxCreateDoubleMatrix(mwSize rows, mwSize columns, mxComplexity complexi
 [[noreturn]] void mexErrMsgIdAndTxt(const char* identifier, const char* format, ...);
 void mexFunction(int nlhs, mxArray* plhs[], int nrhs, const mxArray* prhs[]);
 }
+#pragma GCC visibility pop

@@ -12,12 +12,16 @@ endif()
 if(TARGET kelvane_mex_octave AND OctaveCli_PROGRAM)
   add_test(NAME module/any_folder
     COMMAND sh "${CMAKE_CURRENT_SOURCE_DIR}/module/any_folder_test" "${PROJECT_SOURCE_DIR}" "${CMAKE_CXX_COMPILER}")
-  set(arguments "${OctaveCli_PROGRAM}" "$<TARGET_FILE_DIR:kelvane_mex_octave>" "${CMAKE_CURRENT_SOURCE_DIR}")
-  add_test(NAME module/environment
-    COMMAND sh "${CMAKE_CURRENT_SOURCE_DIR}/module/environment_test" ${arguments})
-  add_library(counterfeit SHARED module/counterfeit.cpp)
-  target_link_libraries(counterfeit PRIVATE Opencv::core)
-  set_target_properties(counterfeit PROPERTIES CXX_VISIBILITY_PRESET default)
-  add_test(NAME module/counterfeit
-    COMMAND sh "${CMAKE_CURRENT_SOURCE_DIR}/module/counterfeit_test" ${arguments} "$<TARGET_FILE:counterfeit>")
+endif()
+if(TARGET kelvane_mex_octave AND NOT KELVANE_SANITIZE AND NOT KELVANE_SANITIZE_THREADS AND CMAKE_BUILD_TYPE STREQUAL "Release")
+  set(module "$<TARGET_FILE:kelvane_mex_octave>")
+  add_test(NAME module/hosts COMMAND sh "${CMAKE_CURRENT_SOURCE_DIR}/module/hosts_test" "${PROJECT_SOURCE_DIR}" "${module}")
+  # A host of its own, which needs no more than the module.
+  add_executable(bare_host module/bare_host.cpp mex_host/mex_host.cpp)
+  target_include_directories(bare_host PRIVATE mex_host)
+  target_link_libraries(bare_host PRIVATE kelvane_compile_options ${CMAKE_DL_LIBS})
+  set_target_properties(bare_host PROPERTIES ENABLE_EXPORTS ON)
+  add_test(NAME module/bare_root
+    COMMAND sh "${CMAKE_CURRENT_SOURCE_DIR}/module/bare_root_test" "$<TARGET_FILE:bare_host>" "${module}")
+  set_tests_properties(module/bare_root PROPERTIES SKIP_RETURN_CODE 77)
 endif()

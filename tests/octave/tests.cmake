@@ -22,10 +22,6 @@ set(topics_of_functions help_of_functions examples_of_pages refine_costs refine_
                         read_colmap)
 set(functions kelvane_batch kelvane_check_gradient kelvane_demo kelvane_plot kelvane_pose kelvane_project
               kelvane_read_bal kelvane_read_colmap kelvane_refine kelvane_types)
-if(KELVANE_SELF_CONTAINED)  # the m-files are tested with the module of the other builds
-  set(topics_of_functions)
-  set(functions)
-endif()
 set(is_tested_in_octave ON)
 if(KELVANE_SANITIZE OR KELVANE_SANITIZE_THREADS)
   execute_process(COMMAND "${CMAKE_CXX_COMPILER}" -print-file-name=libasan.so OUTPUT_VARIABLE libasan
@@ -60,14 +56,12 @@ if(TARGET kelvane_mex_octave AND OctaveCli_PROGRAM AND is_tested_in_octave)
     foreach(function IN LISTS functions)
       kelvane_add_octave_test(${function} "run_tests('${PROJECT_SOURCE_DIR}/matlab/${function}.m')")
     endforeach()
-    if(functions)
-      # Its servers start and end with it; where that is not possible, it is skipped with the reason.
-      kelvane_add_octave_test(batch_servers "run_tests('${CMAKE_CURRENT_SOURCE_DIR}/octave/batch_servers.tst')"
-        sh "${CMAKE_CURRENT_SOURCE_DIR}/octave/two_servers")
-      set_tests_properties(octave/batch_servers PROPERTIES SKIP_RETURN_CODE 77)
-    endif()
+    # Its servers start and end with it; where that is not possible, it is skipped with the reason.
+    kelvane_add_octave_test(batch_servers "run_tests('${CMAKE_CURRENT_SOURCE_DIR}/octave/batch_servers.tst')"
+      sh "${CMAKE_CURRENT_SOURCE_DIR}/octave/two_servers")
+    set_tests_properties(octave/batch_servers PROPERTIES SKIP_RETURN_CODE 77)
     # These measure memory.
     kelvane_add_octave_test(no_side_effects "run_tests('${CMAKE_CURRENT_SOURCE_DIR}/octave/no_side_effects.tst')")
-    kelvane_add_octave_test(loads_and_unloads "loads_and_unloads(2000, $<BOOL:${KELVANE_SELF_CONTAINED}>)")
+    kelvane_add_octave_test(loads_and_unloads "loads_and_unloads(2000)")
   endif()
 endif()

@@ -7,12 +7,12 @@
 #include <utility>
 #include <vector>
 
-#include "pose_refinement/argument_contract.h"
+#include "contract/argument_contract.h"
 
 namespace support {
 
 /// An input that remembers whether its data were asked for.
-struct Fake_input final : pose_refinement::Input {
+struct Fake_input final : kelvane::contract::Input {
   bool double_class = true;
   bool sparse = false;
   bool complex = false;
@@ -63,7 +63,7 @@ struct Fake_call {
   int num_outputs = 1;
 
   explicit Fake_call(int type, std::size_t num_points = 4) {
-    const Rotation_type& row = *find_rotation_type(type);
+    const kelvane::Rotation_type& row = *kelvane::find_rotation_type(type);
     const auto rotation_size = static_cast<std::size_t>(row.rotation_size());
     const auto observation_size = static_cast<std::size_t>(row.observation_size);
     const auto num_equations = observation_size * num_points * static_cast<std::size_t>(row.num_representations);
@@ -84,10 +84,10 @@ struct Fake_call {
     return *this;
   }
 
-  pose_refinement::Arguments check() const {
-    std::vector<const pose_refinement::Input*> views;
+  kelvane::contract::Arguments check() const {
+    std::vector<const kelvane::contract::Input*> views;
     for (const Fake_input& input : inputs) views.push_back(&input);
-    return pose_refinement::check_arguments(num_outputs, static_cast<int>(inputs.size()), views.data());
+    return kelvane::contract::check_arguments(num_outputs, static_cast<int>(inputs.size()), views.data());
   }
 
   /// 1, 2, ..., size

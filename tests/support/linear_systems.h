@@ -6,10 +6,10 @@
 #include <cmath>
 #include <cstddef>
 #include <cstring>
-#include <opencv2/core.hpp>
 #include <vector>
 
-#include "fw_opt/least_squares.h"
+#include "least_squares/block.h"
+#include "least_squares/matrix_solution.h"
 #include "support/cases.h"
 #include "support/reference_svd.h"
 
@@ -23,16 +23,6 @@ struct Linear_system {
   std::size_t n() const { return columns.size() - 1; }
   std::size_t m() const { return columns[0].size(); }
   std::vector<double>& b() { return columns.back(); }
-
-  cv::Mat J() const {
-    cv::Mat J(static_cast<int>(m()), static_cast<int>(n()), CV_64F);
-    for (int i = 0; i < J.rows; ++i) {
-      for (int c = 0; c < J.cols; ++c) {
-        J.at<double>(i, c) = columns[static_cast<std::size_t>(c)][static_cast<std::size_t>(i)];
-      }
-    }
-    return J;
-  }
 
   /// In the digits of the reference.
   reference::Matrix rows() const {
@@ -97,35 +87,30 @@ inline Linear_system system_of(std::size_t m, const std::vector<double>& sigma, 
   return system;
 }
 
-/// Sends a system in pieces of so many rows, a multiple of 8; zeros fill the last one up.
-class System_rows final : public fw::Row_source {
- public:
-  explicit System_rows(const Linear_system& system, std::size_t piece = fw::Row_sink::max_rows)
-      : system_(system), piece_(piece) {}
-
-  void send(fw::Row_sink& sink) override {
-    for (std::size_t first = 0; first < system_.m(); first += piece_) {
-      const std::size_t num_rows = std::min(piece_, system_.m() - first);
-      const std::size_t num_filled = (num_rows + 7) / 8 * 8;
-      for (std::size_t c = 0; c <= system_.n(); ++c) {
-        std::fill_n(sink.column(c), num_filled, 0.0);
-        std::copy_n(system_.columns[c].data() + first, num_rows, sink.column(c));
-      }
-      sink.take(first, num_filled);
+/// Puts a system into a block so many rows at a time, zeros behind the last, and calls visit(number of rows, filled up
+/// to a multiple of 8).
+template <typename Visit>
+void visit_blocks(const Linear_system& system, std::size_t rows_per_block, kelvane::Block& block, const Visit& visit) {
+  for (std::size_t first = 0; first < system.m(); first += rows_per_block) {
+    const std::size_t num_rows = std::min(rows_per_block, system.m() - first);
+    const std::size_t num_filled = (num_rows + 7) / 8 * 8;
+    for (std::size_t c = 0; c <= system.n(); ++c) {
+      std::fill_n(block.column(c), num_filled, 0.0);
+      std::copy_n(system.columns[c].data() + first, num_rows, block.column(c));
     }
+    visit(num_filled);
   }
+}
 
- private:
-  const Linear_system& system_;
-  std::size_t piece_;
-};
-
-inline std::vector<double> step_of(fw::Least_squares& least_squares, const Linear_system& system,
-                                   std::size_t piece = fw::Row_sink::max_rows) {
-  System_rows rows(system, piece);
+/// The step of a system as a matrix.
+inline std::vector<double> step_of(const Linear_system& system,
+                                   kelvane::Instruction_set set = kelvane::best_instruction_set()) {
+  std::vector<double> J;
+  for (std::size_t i = 0; i < system.m(); ++i) {
+    for (std::size_t c = 0; c < system.n(); ++c) J.push_back(system.columns[c][i]);
+  }
   std::vector<double> dx(system.n(), -1.5);
-  least_squares.reduce(rows, system.n());
-  least_squares.solve(rows, system.n(), system.m(), dx.data());
+  kelvane::solve_least_squares(J.data(), system.columns.back().data(), system.m(), system.n(), dx.data(), set);
   return dx;
 }
 

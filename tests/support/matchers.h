@@ -8,7 +8,6 @@
 #include <cmath>
 #include <cstddef>
 #include <functional>
-#include <opencv2/core.hpp>
 #include <string>
 #include <vector>
 
@@ -32,9 +31,13 @@ struct Table {
       values.insert(values.end(), row, row + m.get_dim2());
     }
   }
-  Table(const cv::Mat& m)  // NOLINT(google-explicit-constructor): the same
+  template <typename Mat, typename = decltype(Mat::cols)>  // cv::Mat, for those who have it
+  Table(const Mat& m)                                      // NOLINT(google-explicit-constructor): the same
       : rows(static_cast<std::size_t>(m.rows)), columns(static_cast<std::size_t>(m.cols)) {
-    for (int i = 0; i < m.rows; ++i) values.insert(values.end(), m.ptr<double>(i), m.ptr<double>(i) + m.cols);
+    for (int i = 0; i < m.rows; ++i) {
+      const double* row = m.template ptr<double>(i);
+      values.insert(values.end(), row, row + m.cols);
+    }
   }
 };
 

@@ -35,12 +35,12 @@ struct Measured_pose {
   }
 
   /// Rotation entries of the representation, then the centre.
-  std::vector<double> search_vector(Representation representation) const {
+  std::vector<double> search_vector(kelvane::Representation representation) const {
     std::vector<double> x;
     const auto append = [&x](const auto& entries) { x.insert(x.end(), entries.begin(), entries.end()); };
-    if (representation == Representation::rotation_vector) append(rotation_vector);
-    if (representation == Representation::angle_axis) append(angle_axis);
-    if (representation == Representation::quaternion) append(quaternion);
+    if (representation == kelvane::Representation::rotation_vector) append(rotation_vector);
+    if (representation == kelvane::Representation::angle_axis) append(angle_axis);
+    if (representation == kelvane::Representation::quaternion) append(quaternion);
     append(centre);
     return x;
   }

@@ -21,22 +21,27 @@ struct State {
   long allocations_left = -1;  // negative: none fails
   bool is_lasting = false;
   bool has_failed = false;
-  std::size_t refused_size = 0;
   long num_blocks = 0;
   bool is_for_exception = false;
+  long num_allocations = 0;
+  std::size_t num_bytes = 0;
 };
 thread_local State state;
 
-bool is_refused(std::size_t size) {
+bool is_refused() {
   if (!mex_host::is_in_module || state.is_for_exception || state.allocations_left < 0) return false;
   if (state.allocations_left > 0) {
     --state.allocations_left;
     return false;
   }
-  if (!state.has_failed) state.refused_size = size;
   state.has_failed = true;
   if (!state.is_lasting) state.allocations_left = -1;
   return true;
+}
+
+void count_request(std::size_t size) {
+  ++state.num_allocations;
+  state.num_bytes += size;
 }
 
 }  // namespace
@@ -44,12 +49,13 @@ bool is_refused(std::size_t size) {
 namespace trust {
 
 Failing_memory::Failing_memory(long count, Shortage shortage) {
-  state = {count, shortage == Shortage::lasting, false, 0, 0, false};
+  state = {count, shortage == Shortage::lasting, false, 0, false, 0, 0};
 }
 Failing_memory::~Failing_memory() { state.allocations_left = -1; }
 bool Failing_memory::has_failed() const { return state.has_failed; }
-std::size_t Failing_memory::refused_size() const { return state.refused_size; }
 long Failing_memory::num_blocks_left() const { return state.num_blocks; }
+long Failing_memory::num_allocations() const { return state.num_allocations; }
+std::size_t Failing_memory::num_bytes() const { return state.num_bytes; }
 
 }  // namespace trust
 
@@ -72,7 +78,8 @@ TRUST_EXPORTED void* __cxa_allocate_exception(std::size_t size) noexcept {
 // Never inlined: a compiler that saw malloc() on one side and operator delete on the other would take them for a pair
 // that does not match.
 [[gnu::noinline]] void* operator new(std::size_t size) {
-  void* memory = is_refused(size) ? nullptr : std::malloc(size == 0 ? 1 : size);
+  count_request(size);
+  void* memory = is_refused() ? nullptr : std::malloc(size == 0 ? 1 : size);
   if (memory == nullptr) throw std::bad_alloc();
   return memory;
 }
@@ -95,7 +102,8 @@ void __libc_free(void* memory);
 
 namespace {
 
-void* counted(void* memory) {
+void* counted(void* memory, std::size_t size) {
+  count_request(size);
   if (memory != nullptr) ++state.num_blocks;
   return memory;
 }
@@ -107,16 +115,17 @@ void* refused() {
 
 }  // namespace
 
-TRUST_EXPORTED void* malloc(std::size_t size) { return is_refused(size) ? refused() : counted(__libc_malloc(size)); }
+TRUST_EXPORTED void* malloc(std::size_t size) { return is_refused() ? refused() : counted(__libc_malloc(size), size); }
 TRUST_EXPORTED void* calloc(std::size_t count, std::size_t size) {
-  return is_refused(size) ? refused() : counted(__libc_calloc(count, size));
+  return is_refused() ? refused() : counted(__libc_calloc(count, size), count * size);
 }
 TRUST_EXPORTED void* realloc(void* memory, std::size_t size) {
   if (memory == nullptr) return malloc(size);
-  return is_refused(size) ? refused() : __libc_realloc(memory, size);
+  count_request(size);
+  return is_refused() ? refused() : __libc_realloc(memory, size);
 }
 TRUST_EXPORTED void* memalign(std::size_t alignment, std::size_t size) {
-  return is_refused(size) ? refused() : counted(__libc_memalign(alignment, size));
+  return is_refused() ? refused() : counted(__libc_memalign(alignment, size), size);
 }
 TRUST_EXPORTED void* aligned_alloc(std::size_t alignment, std::size_t size) { return memalign(alignment, size); }
 TRUST_EXPORTED int posix_memalign(void** memory, std::size_t alignment, std::size_t size) {

@@ -13,8 +13,8 @@ enum class Shortage { once, lasting };
 inline constexpr long none_fails = -1;
 
 /// From construction to destruction, on this thread: `count` allocations of the module succeed, the next one fails.
-/// What the host allocates succeeds always. Counted are malloc and its relatives, which operator new and OpenCV's
-/// allocator end in; where a sanitizer has replaced those, operator new alone.
+/// What the host allocates succeeds always. Counted are malloc and its relatives, which operator new ends in; where a
+/// sanitizer has replaced those, operator new alone.
 class Failing_memory {
  public:
   Failing_memory(long count, Shortage shortage);
@@ -23,11 +23,12 @@ class Failing_memory {
   Failing_memory& operator=(const Failing_memory&) = delete;
 
   bool has_failed() const;
-  /// Bytes that the first allocation to fail asked for.
-  std::size_t refused_size() const;
   /// Blocks that were allocated since construction, by anybody on this thread, and not freed. Always 0 under a
   /// sanitizer, which looks for leaks itself.
   long num_blocks_left() const;
+  /// Allocations since construction, by anybody on this thread, and what they asked for together.
+  long num_allocations() const;
+  std::size_t num_bytes() const;
 };
 
 }  // namespace trust

@@ -17,23 +17,24 @@ inline constexpr std::array<mex_host::Error_call, 2> all_error_calls{mex_host::E
                                                                      mex_host::Error_call::jumps};
 
 inline std::size_t num_equations(int type, std::size_t num_points) {
-  const Rotation_type& row = *find_rotation_type(type);
+  const kelvane::Rotation_type& row = *kelvane::find_rotation_type(type);
   return num_points * static_cast<std::size_t>(row.observation_size * row.num_representations);
 }
 
 /// No solution is defined by fewer equations than unknowns.
 inline bool is_determined(int type, std::size_t num_points) {
-  return num_equations(type, num_points) >= static_cast<std::size_t>(find_rotation_type(type)->num_dimensions());
+  return num_equations(type, num_points) >=
+         static_cast<std::size_t>(kelvane::find_rotation_type(type)->num_dimensions());
 }
 
 /// An angle of half a radian about an axis that has no zero in it, in the representation of `type`.
 inline std::vector<double> rotation_of_type(int type) {
-  switch (find_rotation_type(type)->representation) {
-    case Representation::rotation_vector:
+  switch (kelvane::find_rotation_type(type)->representation) {
+    case kelvane::Representation::rotation_vector:
       return {0.1, -0.3, 0.4};
-    case Representation::angle_axis:
+    case kelvane::Representation::angle_axis:
       return {0.2, -0.6, 0.75, 0.5};
-    case Representation::quaternion:
+    case kelvane::Representation::quaternion:
       break;
   }
   return {0.05, -0.15, 0.19, 0.96};
@@ -42,7 +43,7 @@ inline std::vector<double> rotation_of_type(int type) {
 inline std::vector<double> camera_of_type(int type) {
   std::vector<double> camera = rotation_of_type(type);
   camera.insert(camera.end(), {0.1, -0.2, -8.0});
-  const bool is_bearing = find_rotation_type(type)->is_bearing();
+  const bool is_bearing = kelvane::find_rotation_type(type)->is_bearing();
   camera.insert(camera.end(), {is_bearing ? 1.0 : 500.0, is_bearing ? 0.0 : 320.0, is_bearing ? 0.0 : 240.0});
   return camera;
 }
@@ -51,7 +52,7 @@ inline std::vector<double> camera_of_type(int type) {
 inline std::vector<mxArray> good_inputs(int type, std::size_t num_points, bool is_analytic = true) {
   std::vector<double> points;
   std::vector<double> observations;
-  const bool is_bearing = find_rotation_type(type)->is_bearing();
+  const bool is_bearing = kelvane::find_rotation_type(type)->is_bearing();
   for (std::size_t i = 0; i < num_points; ++i) {
     const auto k = static_cast<double>(i % 97);
     const double X = (i % 2 == 0 ? -1.0 : 1.0) + 0.013 * k;

@@ -33,8 +33,8 @@
 %!              'const mxArray**) { x[0] = mxCreateDoubleScalar(result); }' "\n"]);
 %!  write_below(folder, 'toy/first.h', '#include "toy/second.h"');
 %!  write_below(folder, 'toy/second.h', 'constexpr double result = 42;');
-%!  for file = [{'CMakeLists.txt'}, strcat('cmake/', names_in(fullfile(here, '..', 'cmake'))), ...
-%!              {'matlab/kelvane_build.m', 'matlab/kelvane_mex.m'}, strcat('matlab/private/', names_in(fullfile(here, 'private')))]
+%!  for file = [{'kelvane_mex.build', 'kelvane_mex.map', 'matlab/kelvane_build.m', 'matlab/kelvane_mex.m'}, ...
+%!              strcat('matlab/private/', names_in(fullfile(here, 'private')))]
 %!    write_below(folder, file{1}, fileread(fullfile(here, '..', file{1})));
 %!  end
 %!endfunction
@@ -79,7 +79,7 @@
 %! fail('build_from(project, ''Output'', fullfile(work, ''out''))', 'exited with failure');
 %! assert(fileread(fullfile(work, 'out', 'kelvane_mex.mex')), 'the last one');
 %! assert(names_in(fullfile(work, 'out')), {'kelvane_mex.mex'});
-%! assert(any(strcmp(names_in(project), 'CMakeLists.txt')));  % what the folder of the build led to is there
+%! assert(any(strcmp(names_in(project), 'kelvane_mex.build')));  % what the folder of the build led to is there
 
 %!test  % a folder that cannot be had is named before anything is compiled
 %! [work, removing] = work_folder();

@@ -1,0 +1,26 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// What the processor at hand can run.
+#include "least_squares/instruction_set.h"
+
+namespace kelvane {
+
+bool is_available(Instruction_set set) {
+  switch (set) {
+    case Instruction_set::avx512:
+      return __builtin_cpu_supports("avx512f");
+    case Instruction_set::avx2:
+      return __builtin_cpu_supports("avx2");
+    case Instruction_set::sse2:
+      break;
+  }
+  return true;  // part of every 64-bit x86
+}
+
+Instruction_set best_instruction_set() {
+  static const Instruction_set best = is_available(Instruction_set::avx512) ? Instruction_set::avx512
+                                      : is_available(Instruction_set::avx2) ? Instruction_set::avx2
+                                                                            : Instruction_set::sse2;
+  return best;
+}
+
+}  // namespace kelvane

@@ -1,0 +1,12 @@
+# SPDX-License-Identifier: BSD-3-Clause
+kelvane_add_test(least_squares/aligned_buffer)
+kelvane_add_test(least_squares/reduction_kernels)
+kelvane_add_test(least_squares/triangle)
+kelvane_add_test(least_squares/small_system)
+kelvane_add_test(least_squares/small_system_limits)
+kelvane_add_framework_test(least_squares/matrix_solution_equality)
+kelvane_add_test(least_squares/matrix_solution_rank)
+kelvane_add_test(least_squares/matrix_solution_scaling)
+kelvane_add_test(least_squares/singular_values)
+kelvane_add_test(least_squares/scaling)
+kelvane_add_test(least_squares/instruction_set)
