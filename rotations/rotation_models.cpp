@@ -55,6 +55,22 @@ void set_diagonal(double value, double (&out)[3][3]) {
 
 constexpr double unit_vectors[3][3] = {{1, 0, 0}, {0, 1, 0}, {0, 0, 1}};
 
+/// dR/dr_j = -A r_j I + dA r_j [r]x + A [e_j]x + dB r_j r r' + B (e_j r' + r e_j')   (Eq. 11); the parts that are
+/// multiplied by r_j are common to all j.
+void set_derivative(int j, const double (&r)[3], double A, double B, const double (&common)[3][3], double (&dR)[3][3]) {
+  for (int i = 0; i < 3; ++i) {
+    for (int k = 0; k < 3; ++k) dR[i][k] = r[j] * common[i][k];
+  }
+  for (int k = 0; k < 3; ++k) {
+    dR[j][k] += B * r[k];
+    dR[k][j] += B * r[k];
+  }
+  const int next = (j + 1) % 3;
+  const int last = (j + 2) % 3;
+  dR[last][next] += A;
+  dR[next][last] -= A;
+}
+
 /// The quaternion's rotation matrix before any normalisation, and its derivatives (Eq. 15).
 Rotation_model unscaled_quaternion_model(double x, double y, double z, double w) {
   // Laid out as the matrices that they are.
@@ -103,21 +119,7 @@ void rotation_vector_model(const double* vector, Rotation_model& model) {
       common[i][k] += dB * (r[i] * r[k]);
     }
   }
-  for (int j = 0; j < 3; ++j) {
-    // dR/dr_j = -A r_j I + dA r_j [r]x + A [e_j]x + dB r_j r r' + B (e_j r' + r e_j')   (Eq. 11)
-    auto& dR = model.dR[j];
-    for (int i = 0; i < 3; ++i) {
-      for (int k = 0; k < 3; ++k) dR[i][k] = r[j] * common[i][k];
-    }
-    for (int k = 0; k < 3; ++k) {
-      dR[j][k] += B * r[k];
-      dR[k][j] += B * r[k];
-    }
-    const int next = (j + 1) % 3;
-    const int last = (j + 2) % 3;
-    dR[last][next] += A;
-    dR[next][last] -= A;
-  }
+  for (int j = 0; j < 3; ++j) set_derivative(j, r, A, B, common, model.dR[j]);
 }
 
 void angle_axis_model(const double* a, Rotation_model& model) {
