@@ -13,6 +13,9 @@ set(engine_headers
   camera_pose/rotation_type.h
   contract/argument_contract.h
   contract/refinement.h
+  pose_refinement/camera_model.h
+  pose_refinement/pose.h
+  pose_refinement/refine.h
   rotations/conversion_jacobians.h
   rotations/conversions.h)
 

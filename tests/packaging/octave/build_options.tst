@@ -16,6 +16,7 @@
 %!  compiled = struct('file', strrep({commands.file}, [project, '/'], ''), ...
 %!                    'options', cellfun(@(c) code_options(strsplit(c)), {commands.command}, 'UniformOutput', false));
 %!  compiled(~cellfun(@isempty, strfind({compiled.file}, 'kelvane_framework'))) = [];  % is not in the module
+%!  compiled(strncmp({compiled.file}, 'pose_refinement/', 16)) = [];  % nor is this
 %!  compiled(endsWith({compiled.file}, 'all_in_one.cpp')) = [];  % for tools that read sources
 %!endfunction
 

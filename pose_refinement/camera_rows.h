@@ -1,0 +1,33 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Residuals of some points, and how they change with the pose.
+#pragma once
+
+#include "camera_pose/point_kernels.h"
+#include "pose_refinement/observed_points.h"
+
+namespace kelvane {
+
+/// For one camera; results lie as the rows of a block do.
+class Camera_rows {
+ public:
+  explicit Camera_rows(const Camera_model& camera, Instruction_set set = best_instruction_set());
+
+  /// Observed minus seen; NaN for a pixel whose depth is nothing but the rounding of the point's coordinates.
+  void residuals(const Sights& sights, const Pose& pose, double* values) const;
+  /// The same in column 6 of a block for six unknowns, with the derivatives of what is seen by a twist (v, omega) of
+  /// the camera frame in the columns before (docs/derivations.md, Eqs. 48 and 53).
+  void linearise(const Sights& sights, const Pose& pose, Block& block) const;
+  /// Depths p_z of the points.
+  static void depths(const Sights& sights, const Pose& pose, double* depths);
+  const Camera_model& camera() const { return camera_; }
+
+ private:
+  void subtract_pixels(const Sights& sights, double* values) const;
+  void bend_rows(const Sights& sights, Block& block) const;
+
+  Camera_model camera_;
+  double stretch_, shear_;  // fy and skew, in units of fx
+  const Point_kernels* kernels_;
+};
+
+}  // namespace kelvane

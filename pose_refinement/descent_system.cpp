@@ -1,0 +1,194 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// One loop over the points, and two ways to solve what is left of them.
+#include "pose_refinement/descent_system.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "least_squares/singular_values.h"
+
+namespace kelvane {
+
+void Descent_system::linearise(const Pose& pose, const Robust_loss& loss, const std::vector<unsigned char>* marks) {
+  triangle_.start(6);
+  num_pulls_ = 0;
+  for (auto& row : slopes_) std::fill_n(row, 6, 0.0);
+  for (const Sights& all : data_.sights()) {
+    Sights marked;
+    if (marks != nullptr) {
+      marked = all;
+      for (std::size_t i = 0; i < all.num_points; ++i) {
+        if ((*marks)[all.index[i]] != 0) continue;
+        for (std::size_t k = 0; k < all.d; ++k) marked.weights[all.row(i, k)] = 0.0;
+      }
+    }
+    const Sights& sights = marks != nullptr ? marked : all;
+    rows_.linearise(sights, pose, block_);
+    weigh(sights, loss);
+    triangle_.absorb(block_, sights.num_rows());
+  }
+  sum_up_pulls();
+}
+
+/// From G and r to sqrt(w W) G and sqrt(w W) r.
+void Descent_system::weigh(const Sights& sights, const Robust_loss& loss) {
+  // The residual of a point almost without weight may be huge. Any factor d of a row is as good if the other side is
+  // multiplied by w / d (Eq. 37), and this one keeps squares in range.
+  constexpr double least_factor = 1e-40;
+  double* const r = block_.column(6);
+  double roots[Block::max_rows];
+  for (std::size_t first = 0; first < sights.num_rows(); first += sights.d * group_size) {
+    double lengths[group_size];
+    double factors[group_size];
+    double others[group_size];
+    lengths_of_group(&sights.weights[first], r + first, sights.d, lengths);
+    add_slopes(sights, loss, first, lengths);
+    for (std::size_t lane = 0; lane < group_size; ++lane) {
+      const double w = loss.weight(lengths[lane]);
+      factors[lane] = std::max(w, least_factor);
+      others[lane] = w / factors[lane];
+    }
+    for (std::size_t row = first; row < first + sights.d * group_size; row += group_size) {
+      for (std::size_t lane = 0; lane < group_size; ++lane) {
+        const double root = std::sqrt(sights.weights[row + lane] * factors[lane]);
+        const double other = r[row + lane] * root * others[lane];
+        r[row + lane] = root == 0.0 ? 0.0 : other;
+        roots[row + lane] = root;
+      }
+    }
+  }
+  for (std::size_t c = 0; c < 6; ++c) {
+    double* const column = block_.column(c);
+    for (std::size_t row = 0; row < sights.num_rows(); ++row) column[row] *= roots[row];
+  }
+}
+
+/// Points on whose weight the residual tells are few with most losses: they are collected, eight at a time.
+void Descent_system::add_slopes(const Sights& sights, const Robust_loss& loss, std::size_t first,
+                                const double* lengths) {
+  for (std::size_t lane = 0; lane < group_size; ++lane) {
+    const double s = lengths[lane];
+    const double slope = -loss.slope_times_length(s);
+    if (!(slope > 0.0 && s > 0.0)) continue;
+    double pull[6] = {};
+    for (std::size_t row = first + lane; row < first + sights.d * group_size; row += group_size) {
+      const double weighted = sights.weights[row] * block_.column(6)[row] * (std::sqrt(slope) / s);
+      for (std::size_t c = 0; c < 6; ++c) pull[c] += weighted * block_.column(c)[row];
+    }
+    for (std::size_t c = 0; c < 6; ++c) pulls_[c][num_pulls_ % group_size] = pull[c];
+    if (++num_pulls_ % group_size == 0) sum_up_pulls();
+  }
+}
+
+void Descent_system::sum_up_pulls() {
+  for (std::size_t i = 0; i < 6; ++i) {
+    for (std::size_t j = i; j < 6; ++j) {
+      for (std::size_t lane = 0; lane < group_size; ++lane) slopes_[i][j] += pulls_[i][lane] * pulls_[j][lane];
+    }
+  }
+  for (auto& pulls : pulls_) std::fill_n(pulls, group_size, 0.0);
+}
+
+bool Descent_system::is_finite() const {
+  return std::all_of(triangle_.entries(), triangle_.entries() + 42, [](double entry) { return std::isfinite(entry); });
+}
+
+Steps Descent_system::steps() {
+  Steps steps;
+  if (!is_finite()) return steps;
+  double* usual = steps.twists[0];
+  const std::size_t num_rows = data_.num_used() * data_.d();
+  const bool is_plain = small_.solve_plainly(triangle_.entries(), 6, num_rows, usual);
+  if (!is_plain) small_.solve_shortest(triangle_.entries(), 6, num_rows, Small_system::Units::last_three, usual);
+  steps.count = 1;
+  if (is_plain && num_pulls_ > 0) {
+    double better[6];
+    if (newton(better)) {
+      std::copy_n(usual, 6, steps.twists[1]);
+      std::copy_n(better, 6, steps.twists[0]);
+      steps.count = 2;
+    }
+  }
+  return steps;
+}
+
+namespace {
+
+/// x <- R^-T x with row i of R at i * 7.
+void solve_transposed(const double* R, double* x) {
+  for (std::size_t i = 0; i < 6; ++i) {
+    for (std::size_t k = 0; k < i; ++k) x[i] -= R[7 * k + i] * x[k];
+    x[i] /= R[7 * i + i];
+  }
+}
+
+/// x <- R^-1 x
+void solve_triangle(const double* R, double* x) {
+  for (std::size_t i = 6; i-- > 0;) {
+    for (std::size_t k = i + 1; k < 6; ++k) x[i] -= R[7 * i + k] * x[k];
+    x[i] /= R[7 * i + i];
+  }
+}
+
+/// The upper triangle U with U'U = A, rows of 7, from the upper half; false where A is not positive definite.
+bool factorise(const double (&A)[6][6], double* U) {
+  constexpr double least_pivot = 1e-10;  // of a matrix that is I where the loss has no slope
+  for (std::size_t i = 0; i < 6; ++i) {
+    for (std::size_t j = i; j < 6; ++j) {
+      double entry = A[i][j];
+      for (std::size_t k = 0; k < i; ++k) entry -= U[7 * k + i] * U[7 * k + j];
+      if (i == j && !(entry > least_pivot)) return false;
+      U[7 * i + j] = i == j ? std::sqrt(entry) : entry / U[7 * i + i];
+    }
+  }
+  return true;
+}
+
+}  // namespace
+
+/// H = R'R - M = R' (I - R^-T M R^-1) R, and what is in brackets does not depend on units.
+bool Descent_system::newton(double* twist) const {
+  const double* R = triangle_.entries();
+  double half[6][6];  // row j: column j of R^-T M
+  double A[6][6];
+  double U[42];
+  for (std::size_t j = 0; j < 6; ++j) {
+    for (std::size_t i = 0; i < 6; ++i) half[j][i] = i < j ? slopes_[i][j] : slopes_[j][i];
+    solve_transposed(R, half[j]);
+  }
+  for (std::size_t i = 0; i < 6; ++i) {
+    for (std::size_t j = 0; j < 6; ++j) A[i][j] = half[j][i];
+    solve_transposed(R, A[i]);
+    for (std::size_t j = 0; j < 6; ++j) A[i][j] = (i == j ? 1.0 : 0.0) - A[i][j];
+  }
+  if (!factorise(A, U)) return false;
+  for (std::size_t i = 0; i < 6; ++i) twist[i] = R[7 * i + 6];
+  solve_transposed(U, twist);
+  solve_triangle(U, twist);
+  solve_triangle(R, twist);
+  return true;
+}
+
+bool Descent_system::inverse(double (&covariance)[6][6]) {
+  constexpr double least_part = 1e-12;  // of the largest singular value, with columns of length 1
+  double lengths[7];
+  double rows[42];
+  squared_column_lengths(triangle_.entries(), 6, lengths);
+  for (double& length : lengths) length = std::max(std::sqrt(length), 1e-300);
+  for (std::size_t i = 0; i < 42; ++i) rows[i] = triangle_.entries()[i] / lengths[i % 7];
+  Singular_values values;
+  values.decompose(rows, 6, 6);
+  for (auto& row : covariance) std::fill_n(row, 6, 0.0);
+  for (std::size_t k = 0; k < 6; ++k) {
+    if (!(values.sigma(k) > least_part * values.largest())) return false;
+    for (std::size_t i = 0; i < 6; ++i) {
+      for (std::size_t j = 0; j < 6; ++j) {
+        covariance[i][j] +=
+            (values.v(k)[i] / values.sigma(k) / lengths[i]) * (values.v(k)[j] / values.sigma(k) / lengths[j]);
+      }
+    }
+  }
+  return true;
+}
+
+}  // namespace kelvane

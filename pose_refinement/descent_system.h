@@ -1,0 +1,52 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// The steps that lead downhill from a pose.
+#pragma once
+
+#include <cstddef>
+#include <vector>
+
+#include "least_squares/small_system.h"
+#include "least_squares/triangle.h"
+#include "pose_refinement/pose_cost.h"
+
+namespace kelvane {
+
+/// Steps as twists (v, omega) of the camera frame, best first.
+struct Steps {
+  std::size_t count = 0;  ///< none where the equations are not finite
+  double twists[2][6];
+};
+
+/// The equations of one pose after the other: J'WJ as a triangle, and beside it what the slope of a loss adds, as both
+/// stand in Eq. 42 of docs/derivations.md.
+class Descent_system {
+ public:
+  /// All must outlive it.
+  Descent_system(const Observed_points& data, const Camera_rows& rows) : data_(data), rows_(rows) {}
+
+  /// Makes the equations at a pose, of all points or of those with a mark.
+  void linearise(const Pose& pose, const Robust_loss& loss, const std::vector<unsigned char>* marks = nullptr);
+  /// Gauss and Newton's step for the loss, where its matrix is positive definite, and that with constant weights.
+  Steps steps();
+  /// The inverse of J'WJ, 6 by 6; false where the points leave a direction undetermined.
+  bool inverse(double (&covariance)[6][6]);
+  /// Whether the equations are finite.
+  bool is_finite() const;
+
+ private:
+  void weigh(const Sights& sights, const Robust_loss& loss);
+  void add_slopes(const Sights& sights, const Robust_loss& loss, std::size_t first, const double* lengths);
+  void sum_up_pulls();
+  bool newton(double* twist) const;
+
+  const Observed_points& data_;
+  const Camera_rows& rows_;
+  Block block_;
+  Triangle triangle_;
+  Small_system small_;
+  std::size_t num_pulls_ = 0;
+  double pulls_[6][group_size] = {};  // the last of them, which are not yet in the sum
+  double slopes_[6][6] = {};          // sum of -w'/s (G'Wr)(G'Wr)', upper half
+};
+
+}  // namespace kelvane

@@ -1,0 +1,143 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// What is wrong with a problem's numbers, and which of them count.
+#include "pose_refinement/observed_points.h"
+
+#include <algorithm>
+#include <cmath>
+#include <stdexcept>
+#include <string>
+
+namespace kelvane {
+namespace {
+
+std::string text(std::size_t number) { return std::to_string(number); }
+
+[[noreturn, gnu::cold]] void refuse(const std::string& sentence) { throw std::invalid_argument(sentence); }
+
+/// Of any size but zero.
+double length_of(const double* x) {
+  const double largest = std::max({std::abs(x[0]), std::abs(x[1]), std::abs(x[2])});
+  double square = 0.0;
+  for (int k = 0; k < 3; ++k) square += (x[k] / largest) * (x[k] / largest);
+  return largest * std::sqrt(square);
+}
+
+}  // namespace
+
+Pose World::from_users(Pose pose) const {
+  for (int i = 0; i < 3; ++i) pose.centre[i] = (pose.centre[i] - origin[i]) / unit;
+  return pose;
+}
+
+Pose World::to_users(Pose pose) const {
+  for (int i = 0; i < 3; ++i) pose.centre[i] = pose.centre[i] * unit + origin[i];
+  return pose;
+}
+
+Observed_points::Observed_points(const Refine_problem& problem, const Pose& start)
+    : problem_(problem),
+      d_(problem.camera.sees_directions ? 3 : 2),
+      n_(problem.points.size / 3),
+      points_(problem.points.data),
+      observations_(problem.observations.data),
+      weights_(problem.weights.size == 0 ? nullptr : problem.weights.data),
+      per_equation_(problem.weights.size != n_) {
+  check_sizes();
+  const std::size_t room = Block::max_rows / d_;
+  sights_.reserve((n_ + room - 1) / room);
+  for (std::size_t i = 0; i < n_; ++i) {
+    check_point(i);
+    if (is_used(i)) add(i);
+  }
+  num_equations_ = std::min(num_equations_, 2 * num_used_);
+  if (num_used_ < 3) {
+    refuse("Three points with an observation and a weight above 0 are the least that determine a pose; there are " +
+           text(num_used_) + ".");
+  }
+  move_to_own_world(start);
+}
+
+void Observed_points::check_sizes() const {
+  const Refine_problem& p = problem_;
+  if (p.points.size % 3 != 0) refuse("points: " + text(p.points.size) + " numbers are no multiple of 3.");
+  if (p.observations.size != d_ * n_) {
+    refuse("observations must be " + text(d_ * n_) + " numbers, " + text(d_) + " for each of the " + text(n_) +
+           " points; there are " + text(p.observations.size) + ".");
+  }
+  if (p.weights.size != 0 && p.weights.size != n_ && p.weights.size != d_ * n_) {
+    refuse("weights must be none, " + text(n_) + " (one for each point) or " + text(d_ * n_) +
+           " (one for each observed number); there are " + text(p.weights.size) + ".");
+  }
+}
+
+void Observed_points::check_point(std::size_t i) const {
+  for (std::size_t j = 3 * i; j < 3 * i + 3; ++j) {
+    if (!std::isfinite(points_[j])) refuse("points[" + text(j) + "] is not finite. All of them must be.");
+  }
+  double largest = 0.0;
+  for (std::size_t j = d_ * i; j < d_ * i + d_; ++j) {
+    if (std::isinf(observations_[j]))
+      refuse("observations[" + text(j) + "] is infinite. NaN is for what was not seen.");
+    if (!(weight(i, j - d_ * i) >= 0.0 && std::isfinite(weight(i, j - d_ * i)))) {
+      refuse("weights[" + text(per_equation_ ? j : i) + "] must be a number of 0 or more.");
+    }
+    largest = std::max(largest, std::abs(observations_[j]));
+  }
+  if (d_ == 3 && largest < 1e-10 && is_used(i)) {
+    refuse("observations[" + text(3 * i) + "] and the two behind it have the length 0: a direction is needed.");
+  }
+}
+
+bool Observed_points::is_used(std::size_t i) const {
+  bool has_weight = false;
+  for (std::size_t k = 0; k < d_; ++k) {
+    if (std::isnan(observations_[d_ * i + k])) return false;
+    has_weight = has_weight || weight(i, k) > 0.0;
+  }
+  return has_weight;
+}
+
+void Observed_points::add(std::size_t i) {
+  const std::size_t at = num_used_++ % (Block::max_rows / d_);
+  if (at == 0) sights_.emplace_back();
+  Sights& sights = sights_.back();
+  sights.num_points = at + 1;
+  sights.d = d_;
+  sights.index[at] = i;
+  const double* seen = &observations_[d_ * i];
+  const double length = d_ == 3 ? length_of(seen) : 1.0;
+  for (std::size_t k = 0; k < d_; ++k) {
+    sights.observed[sights.row(at, k)] = seen[k] / length;
+    sights.weights[sights.row(at, k)] = weight(i, k);
+    num_equations_ += weight(i, k) > 0.0 ? 1U : 0U;
+  }
+}
+
+void Observed_points::restore_points(Sights& sights) const {
+  for (std::size_t i = 0; i < sights.num_groups() * group_size; ++i) {
+    std::copy_n(&points_[3 * sights.index[std::min(i, sights.num_points - 1)]], 3, &sights.points[3 * i]);
+  }
+}
+
+void Observed_points::move_to_own_world(const Pose& start) {
+  const auto n = static_cast<double>(num_used_);
+  double square = 0.0;
+  for (Sights& sights : sights_) {
+    restore_points(sights);
+    for (std::size_t i = 0; i < 3 * sights.num_points; ++i) {
+      const double from_start = sights.points[i] - start.centre[i % 3];
+      world_.origin[i % 3] += sights.points[i] / n;
+      square += from_start * from_start / n;
+    }
+  }
+  world_.unit = std::sqrt(square);
+  if (world_.unit == 0.0) refuse("points: all of them lie at the camera centre.");
+  if (!std::isfinite(world_.unit)) refuse("points: the squares of their distances are not finite.");
+  for (Sights& sights : sights_) {
+    for (std::size_t i = 0; i < 3 * sights.num_groups() * group_size; ++i) {
+      sights.points[i] = (sights.points[i] - world_.origin[i % 3]) / world_.unit;
+    }
+  }
+}
+
+}  // namespace kelvane

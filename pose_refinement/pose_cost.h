@@ -1,0 +1,41 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// What a pose costs.
+#pragma once
+
+#include <cstddef>
+#include <vector>
+
+#include "pose_refinement/camera_rows.h"
+#include "pose_refinement/robust_loss.h"
+
+namespace kelvane {
+
+/// The weighted lengths of a group's residuals, eight of them: the root of the sum of weight times square over the
+/// coordinates. Zero without weight, NaN where a residual with a weight is NaN.
+void lengths_of_group(const double* weights, const double* residuals, std::size_t d, double* lengths);
+
+/// The same of all groups.
+void lengths_of_sights(const Sights& sights, const double* residuals, double* lengths);
+
+/// The cost of poses in the world of the data, which must outlive this.
+class Pose_cost {
+ public:
+  Pose_cost(const Observed_points& data, const Camera_rows& rows) : data_(data), rows_(rows) {}
+
+  /// The sum of the losses; infinite where it is not finite.
+  double cost(const Pose& pose, const Robust_loss& loss);
+  /// The lengths of the residuals, in the order of the points; those of the last pose are kept.
+  const std::vector<double>& lengths(const Pose& pose);
+  /// Those of the observations themselves, from the principal point on.
+  std::vector<double> lengths_of_observations() const;
+  /// The part of the weight, from 0 to 1, that lies behind the camera.
+  double part_behind(const Pose& pose) const;
+
+ private:
+  const Observed_points& data_;
+  const Camera_rows& rows_;
+  Pose pose_;
+  std::vector<double> lengths_;  // at pose_, if there are any
+};
+
+}  // namespace kelvane
