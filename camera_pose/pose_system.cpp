@@ -47,8 +47,8 @@ void Pose_system::absorb(std::size_t k, std::size_t num_rows) {
 }
 
 void Pose_system::step(double* dx) {
-  scaling_.start(rows_.num_columns());
   if (solve_twist(Doubt::none, dx)) return;
+  scaling_.start(rows_.num_columns());
   if (!are_well_scaled() && !scale()) {
     std::fill_n(dx, problem_.n(), std::numeric_limits<double>::quiet_NaN());
   } else if (!rows_.are_by_twist()) {
@@ -64,11 +64,12 @@ void Pose_system::step(double* dx) {
 bool Pose_system::solve_twist(Doubt doubt, double* dx) {
   double twist[6];
   if (!rows_.are_by_twist() || rows_.num_blocks() > 1) return false;
-  const bool has_twist = doubt == Doubt::none
-                             ? small_.solve_plainly(triangles_[0].entries(), 6, num_rows_of_block(), twist)
-                             : is_full(0, twist);
-  if (!has_twist) return false;
-  for (std::size_t c = 0; c < 6; ++c) twist[c] = times_power_of_two(twist[c], scaling_.power(6) - scaling_.power(c));
+  if (doubt == Doubt::none) {
+    if (!small_.solve_plainly(triangles_[0].entries(), 6, num_rows_of_block(), twist)) return false;
+  } else {
+    if (!is_full(0, twist)) return false;
+    for (std::size_t c = 0; c < 6; ++c) twist[c] = times_power_of_two(twist[c], scaling_.power(6) - scaling_.power(c));
+  }
   const Chart& chart = rows_.chart(0);
   if (!turn_parameters(chart, twist + 3, dx)) return false;
   shift_parameters(chart, twist, dx + chart.model.n);
