@@ -98,7 +98,7 @@ claim() {
   if [ -d "$target" ]; then
     ! mountpoint -q "$target" 2>/dev/null || refuse "something is mounted at $target; name a folder in it"
     [ -e "$target/$mark" ] || [ -z "$(ls -A "$target")" ] ||
-      refuse "$target holds what this script has not made; name a folder that is new or empty"
+      refuse "$target holds what this script has not made, or never replaces; name a folder that is new or empty"
   elif [ -e "$target" ]; then
     case $target in "$PWD"/build/*) ;; *) refuse "$target is there already; name another folder, or move it" ;; esac
   fi

@@ -59,7 +59,7 @@ double rms(const fw::Opt_func& prediction, const std::vector<double>& x, const s
   const std::vector<double> predicted = prediction(x);
   double sum = 0.0;
   for (std::size_t i = 0; i < pixels.size(); ++i) sum += std::pow(predicted[i] - pixels[i], 2);
-  return std::sqrt(sum / static_cast<double>(pixels.size()));
+  return std::sqrt(sum / static_cast<double>(pixels.size() / 2));  // of the distances of points
 }
 
 }  // namespace
