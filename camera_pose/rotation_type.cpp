@@ -16,63 +16,52 @@ struct Conversion_jacobian {
   double& operator()(int i, int j) { return F[i][j]; }
 };
 
-template <void (*make)(const double*, Rotation_model&)>
+using Model = void(const double*, Rotation_model&);
+
+template <Model make>
 void one_block(const double* r, Chart* blocks) {
   make(r, blocks[0].model);
 }
 
+/// The model at `own`, which are x in another representation, differentiated by x.
+template <std::size_t num_rows, std::size_t num_columns>
+void other_block(Model make, const double* own,
+                 void (*jacobian)(const double*, Conversion_jacobian<num_rows, num_columns>&), const double* x,
+                 Chart& block) {
+  Conversion_jacobian<num_rows, num_columns> own_by_x;
+  jacobian(x, own_by_x);
+  make(own, block.model);
+  carry_over(own_by_x.F, block.model);
+}
+
 void qu_aau_aan_blocks(const double* q, Chart* blocks) {
-  double R[3][3];
+  double R[3][3], a[4], r[3];
   rotations::quaternion_to_rot_mat(q, R);
-  double a[4];
   rotations::rot_mat_to_ang_axis_rad(R, a);
-  double r[3];
   rotations::ang_axis_to_rot_vec(a, 3, r);
-  Conversion_jacobian<3, 4> daau_dq;
-  rotations::quaternion_to_rot_vec_jacobian(q, daau_dq);
-  Conversion_jacobian<4, 4> daan_dq;
-  rotations::quaternion_to_angle_axis_jacobian(q, daan_dq);
   quaternion_model(q, blocks[0].model);
-  rotation_vector_model(r, blocks[1].model);
-  carry_over(daau_dq.F, blocks[1].model);
-  angle_axis_model(a, blocks[2].model);
-  carry_over(daan_dq.F, blocks[2].model);
+  other_block<3, 4>(rotation_vector_model, r, rotations::quaternion_to_rot_vec_jacobian, q, blocks[1]);
+  other_block<4, 4>(angle_axis_model, a, rotations::quaternion_to_angle_axis_jacobian, q, blocks[2]);
 }
 
 void aau_qu_aan_blocks(const double* r, Chart* blocks) {
-  double R[3][3];
+  double R[3][3], q[4], a[4];
   rotations::rot_vec_rad_to_rot_mat(r, R);
-  double q[4];
   rotations::rot_mat_to_quaternion(R, q);
-  double a[4];
   a[3] = rotations::split_length(r, 3, a);
-  Conversion_jacobian<4, 3> dqu_dr;
-  rotations::rot_vec_to_quaternion_jacobian(r, dqu_dr);
-  Conversion_jacobian<4, 3> daan_dr;
-  rotations::rot_vec_to_angle_axis_jacobian(r, daan_dr);
   rotation_vector_model(r, blocks[0].model);
-  quaternion_model(q, blocks[1].model);
-  carry_over(dqu_dr.F, blocks[1].model);
-  angle_axis_model(a, blocks[2].model);
-  carry_over(daan_dr.F, blocks[2].model);
+  other_block<4, 3>(quaternion_model, q, rotations::rot_vec_to_quaternion_jacobian, r, blocks[1]);
+  other_block<4, 3>(angle_axis_model, a, rotations::rot_vec_to_angle_axis_jacobian, r, blocks[2]);
 }
 
 void aan_qu_aau_blocks(const double* a, Chart* blocks) {
-  double R[3][3];
+  double R[3][3], q[4], r[3];
   rotations::ang_axis_rad_to_rot_mat(a, R);
-  double q[4];
   rotations::rot_mat_to_quaternion(R, q);
-  double r[3];
   rotations::ang_axis_to_rot_vec(a, 3, r);
-  Conversion_jacobian<4, 4> dqu_da;
-  rotations::angle_axis_to_quaternion_jacobian(a, dqu_da);
-  Conversion_jacobian<3, 4> daau_da;
-  rotations::angle_axis_to_rot_vec_jacobian(a, daau_da);
   angle_axis_model(a, blocks[0].model);
-  quaternion_model(q, blocks[1].model);
-  carry_over(dqu_da.F, blocks[1].model);
-  rotation_vector_model(r, blocks[2].model);
-  carry_over(daau_da.F, blocks[2].model);
+  other_block<4, 4>(quaternion_model, q, rotations::angle_axis_to_quaternion_jacobian, a, blocks[1]);
+  other_block<3, 4>(rotation_vector_model, r, rotations::angle_axis_to_rot_vec_jacobian, a, blocks[2]);
 }
 
 constexpr Rotation_type rotation_types[] = {

@@ -109,11 +109,8 @@ bool Small_system::solve(const double* triangle, std::size_t n, std::size_t num_
   if (solve_plainly(triangle, n, num_rows, y)) return true;
   cut(triangle, n, num_rows, units);
   if (num_kept_ < n) return false;
-  std::fill_n(y, n, 0.0);
-  for (std::size_t i = 0; i < n; ++i) {
-    const double along = singular_values_.component(i) / singular_values_.sigma(i);
-    for (std::size_t j = 0; j < n; ++j) y[j] += along * singular_values_.v(i)[j] * unit_[j];
-  }
+  add_up(0.0, y);
+  for (std::size_t j = 0; j < n; ++j) y[j] *= unit_[j];
   return true;
 }
 
@@ -175,7 +172,12 @@ void Small_system::shortest(double* y) {
   std::fill_n(y, n_, 0.0);
   if (num_kept_ == 0) return;
   singular_values_.decompose(kept_.data(), num_kept_, n_);
-  const double limit = singular_values_.usual_limit();
+  add_up(singular_values_.usual_limit(), y);
+}
+
+/// The solution along the singular values above the limit.
+void Small_system::add_up(double limit, double* y) const {
+  std::fill_n(y, n_, 0.0);
   for (std::size_t i = 0; i < n_; ++i) {
     if (!(singular_values_.sigma(i) > limit)) continue;
     const double along = singular_values_.component(i) / singular_values_.sigma(i);

@@ -44,6 +44,7 @@ class Small_system {
   void cut(const double* triangle, std::size_t n, std::size_t num_rows, Units units);
   void choose_units(const double* triangle, Units units);
   void truncate(double limit);
+  void add_up(double limit, double* y) const;
 
   std::size_t n_ = 0;
   std::size_t num_kept_ = 0;
