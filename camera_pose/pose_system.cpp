@@ -120,7 +120,7 @@ void Pose_system::solve_product(double* dx) {
   Rows rows;
   for (std::size_t k = 0; k < rows_.num_blocks(); ++k) {
     double twist[6];
-    if (k < rows_.num_made()) rows = is_full(k, twist) ? Rows{triangles_[k].entries(), 6, 6} : small_.rows();
+    if (k < rows_.num_made()) rows = is_full(k, twist) ? Rows{triangles_[k].entries(), 6} : small_.rows();
     num_rows = write_product(rows, rows_.chart(k), num_rows);
   }
   const std::size_t num_filled = (num_rows + group_size - 1) / group_size * group_size;

@@ -9,10 +9,10 @@
 
 namespace kelvane {
 
-/// Rows of [A | c], one behind the other with n + 1 entries each.
+/// Rows of [A | c], one behind the other.
 struct Rows {
   const double* entries;
-  std::size_t num_rows, n;
+  std::size_t num_rows;
 };
 
 /// Solves small systems one after the other in the same memory.
@@ -32,7 +32,7 @@ class Small_system {
   /// rank is n. False: rows() are what is left of it without the part that is rounding, in the original units.
   bool solve(const double* triangle, std::size_t n, std::size_t num_rows, Units units, double* y);
   /// See solve(); valid until the next call.
-  Rows rows() const { return {kept_.data(), num_kept_, n_}; }
+  Rows rows() const { return {kept_.data(), num_kept_}; }
 
   /// The y of least length among those of least squares for rows(), in the original units; singular values up to 2 eps
   /// times their sum count as zero, as in cv::solve.

@@ -17,15 +17,21 @@ using support::Case;
 
 constexpr std::uint64_t seed = 70657;
 
+/// The solution of num_rows rows, to what their rounding allows.
+void expect_reference(const Triangle& triangle, std::size_t num_rows, std::size_t rank) {
+  const reference::Least_squares expected = triangle.reference(num_rows);
+  EXPECT_EQ(expected.rank, rank);
+  const std::vector<double> dx = triangle.solution(num_rows);
+  EXPECT_LE(support::distance_between(dx, expected.solution),
+            20.0 * eps * static_cast<double>(expected.condition) * support::length_of(dx));
+}
+
 TEST(SmallSystem, OfFullRankHasTheSolutionOfTheReference) {
   for (std::uint64_t number = 0; number < 2000; ++number) {
     Case which(seed, number);
     SCOPED_TRACE(which);
     const Triangle triangle = random_triangle(1 + number % 12, which.random);
-    const reference::Least_squares expected = triangle.reference(200);
-    const std::vector<double> dx = triangle.solution(200);
-    EXPECT_LE(support::distance_between(dx, expected.solution),
-              20.0 * eps * static_cast<double>(expected.condition) * support::length_of(dx));
+    expect_reference(triangle, 200, triangle.n);
   }
 }
 
@@ -37,11 +43,7 @@ TEST(SmallSystem, IsSolvedAlikeOnBothSidesOfTheLargestConditionForSubstitution) 
     std::vector<double> sigma(n, 1.0);
     sigma[1] = which.random.magnitude(-13.0, -9.0);
     const Triangle triangle = reduced(100, sigma, which.random);
-    const reference::Least_squares expected = triangle.reference(100);
-    EXPECT_EQ(expected.rank, n);
-    const std::vector<double> dx = triangle.solution(100);
-    EXPECT_LE(support::distance_between(dx, expected.solution),
-              20.0 * eps * static_cast<double>(expected.condition) * support::length_of(dx));
+    expect_reference(triangle, 100, n);
   }
 }
 
@@ -55,11 +57,7 @@ TEST(SmallSystem, OfLowerRankHasTheShortestSolution) {
     for (std::size_t k = 0; k < rank; ++k) sigma[k] = which.random.magnitude(-3.0, 3.0);
     const std::size_t m = 20 * n;
     const Triangle triangle = reduced(m, sigma, which.random);
-    const reference::Least_squares expected = triangle.reference(m);
-    EXPECT_EQ(expected.rank, rank);
-    const std::vector<double> dx = triangle.solution(m);
-    EXPECT_LE(support::distance_between(dx, expected.solution),
-              20.0 * eps * static_cast<double>(expected.condition) * support::length_of(dx));
+    expect_reference(triangle, m, rank);
   }
 }
 
