@@ -46,6 +46,11 @@ template <int width>
   return *reinterpret_cast<const typename Vector<width>::unaligned*>(p);
 }
 
+template <int width>
+[[gnu::always_inline]] inline void store_anywhere(double* p, const V<width>& value) {
+  *reinterpret_cast<typename Vector<width>::unaligned*>(p) = value;
+}
+
 /// Every third entry of a, b, c from entry k on.
 template <int width, int k, int... lane>
 [[gnu::always_inline]] inline V<width> every_third(const V<width>& a, const V<width>& b, const V<width>& c,

@@ -3,8 +3,9 @@
 #include "pose_refinement/camera_model.h"
 
 #include <cmath>
-#include <stdexcept>
 #include <string>
+
+#include "pose_refinement/bad_argument.h"
 
 namespace kelvane {
 
@@ -13,11 +14,12 @@ void check(const Camera_model& camera) {
   const double values[] = {camera.fx, camera.skew, camera.cx, camera.fy, camera.cy};
   for (int i = 0; i < 5; ++i) {
     if (!std::isfinite(values[i])) {
-      throw std::invalid_argument(std::string("camera.") + names[i] + " is not finite. All of it must be numbers.");
+      throw Bad_argument("notFinite", std::string("camera.") + names[i],
+                         " is " + text_of(values[i]) + ". All of it must be finite numbers.");
     }
   }
   if (camera.fx == 0.0 || camera.fy == 0.0) {
-    throw std::invalid_argument("camera: a focal length of 0 sees everything in one place.");
+    throw Bad_argument("intrinsics", "", "A focal length of 0 sees everything in one place.");
   }
 }
 
@@ -31,10 +33,13 @@ Camera_model pixel_camera(double fx, double fy, double cx, double cy) {
 
 Camera_model pixel_camera(const double (&K)[3][3]) {
   if (K[0][2] == 0.0 && K[1][2] == 0.0 && (K[2][0] != 0.0 || K[2][1] != 0.0)) {
-    throw std::invalid_argument("K looks transposed: the principal point is in the last row. Hand over its transpose.");
+    throw Bad_argument(
+        "transposedK", "K",
+        " looks transposed: the principal point is in the last row. MATLAB's IntrinsicMatrix has it there; "
+        "hand over its transpose.");
   }
   if (K[2][2] == 0.0 || K[1][0] != 0.0 || K[2][0] != 0.0 || K[2][1] != 0.0) {
-    throw std::invalid_argument("K must be upper triangular with K[2][2] other than 0.");
+    throw Bad_argument("intrinsics", "K", " must be upper triangular, and its last entry other than 0.");
   }
   const double k = K[2][2];
   const Camera_model camera{false, K[0][0] / k, K[0][1] / k, K[0][2] / k, K[1][1] / k, K[1][2] / k};

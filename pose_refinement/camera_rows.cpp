@@ -26,32 +26,14 @@ void split_lengths(double* p, double* inverse) {
 
 Camera_rows::Camera_rows(const Camera_model& camera, Instruction_set set)
     : camera_(camera),
-      stretch_(camera.fy / camera.fx),
-      shear_(camera.skew / camera.fx),
-      kernels_(&point_kernels(set)) {}
-
-/// From fx p_x / p_z and fx p_y / p_z to residuals.
-void Camera_rows::subtract_pixels(const Sights& sights, double* values) const {
-  const double in_plane = 1e13 * std::abs(camera_.fx);  // of the camera centre: rounding decides which
-  for (std::size_t g = 0; g < sights.num_groups(); ++g) {
-    double* u = values + 2 * group_size * g;
-    double* v = u + group_size;
-    const double* seen = &sights.observed[2 * group_size * g];
-    for (std::size_t lane = 0; lane < group_size; ++lane) {
-      const double a = u[lane];
-      const double b = v[lane];
-      const bool is_good = std::abs(a) <= in_plane && std::abs(b) <= in_plane;  // not so for NaN
-      const double no_number = is_good ? 0.0 : std::numeric_limits<double>::quiet_NaN();
-      u[lane] = seen[lane] - (a + shear_ * b + camera_.cx) + no_number;
-      v[lane] = seen[lane + group_size] - (stretch_ * b + camera_.cy) + no_number;
-    }
-  }
-}
+      lens_{camera.skew / camera.fx, camera.fy / camera.fx, camera.cx, camera.cy, 1e13 * std::abs(camera.fx)},
+      kernels_(&point_kernels(set)),
+      sight_kernels_(&kelvane::sight_kernels(set)) {}
 
 void Camera_rows::residuals(const Sights& sights, const Pose& pose, double* values) const {
   if (!camera_.sees_directions) {
     kernels_->predict_pixels(sights.points, sights.num_points, placed(pose, camera_.fx), values);
-    return subtract_pixels(sights, values);
+    return sight_kernels_->subtract_pixels(sights.observed, sights.num_groups(), lens_, values);
   }
   kernels_->predict_bearings(sights.points, sights.num_groups() * group_size, placed(pose), values);
   double inverse[group_size];
@@ -60,12 +42,12 @@ void Camera_rows::residuals(const Sights& sights, const Pose& pose, double* valu
 }
 
 void Camera_rows::bend_rows(const Sights& sights, Block& block) const {
-  if (stretch_ == 1.0 && shear_ == 0.0) return;
+  if (lens_.stretch == 1.0 && lens_.shear == 0.0) return;
   for (std::size_t c = 0; c < 6; ++c) {
     for (double* u = block.column(c); u < block.column(c) + sights.num_rows(); u += 2 * group_size) {
       for (std::size_t lane = 0; lane < group_size; ++lane) {
-        u[lane] += shear_ * u[lane + group_size];
-        u[lane + group_size] *= stretch_;
+        u[lane] += lens_.shear * u[lane + group_size];
+        u[lane + group_size] *= lens_.stretch;
       }
     }
   }
@@ -77,7 +59,7 @@ void Camera_rows::linearise(const Sights& sights, const Pose& pose, Block& block
   if (!camera_.sees_directions) {
     kernels_->pixel_rows(sights.points, sights.num_points, placed(pose, camera_.fx), block.column(0), block.stride());
     bend_rows(sights, block);
-    return subtract_pixels(sights, values);
+    return sight_kernels_->subtract_pixels(sights.observed, sights.num_groups(), lens_, values);
   }
   kernels_->predict_bearings(sights.points, sights.num_groups() * group_size, placed(pose), values);
   for (std::size_t g = 0; g < sights.num_groups(); ++g) {

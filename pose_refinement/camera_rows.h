@@ -4,6 +4,7 @@
 
 #include "camera_pose/point_kernels.h"
 #include "pose_refinement/observed_points.h"
+#include "pose_refinement/sight_kernels.h"
 
 namespace kelvane {
 
@@ -20,14 +21,16 @@ class Camera_rows {
   /// Depths p_z of the points.
   static void depths(const Sights& sights, const Pose& pose, double* depths);
   const Camera_model& camera() const { return camera_; }
+  /// Of the same instruction set.
+  const Sight_kernels& sight_kernels() const { return *sight_kernels_; }
 
  private:
-  void subtract_pixels(const Sights& sights, double* values) const;
   void bend_rows(const Sights& sights, Block& block) const;
 
   Camera_model camera_;
-  double stretch_, shear_;  // fy and skew, in units of fx
+  Pixel_lens lens_;
   const Point_kernels* kernels_;
+  const Sight_kernels* sight_kernels_;
 };
 
 }  // namespace kelvane

@@ -9,6 +9,8 @@
 namespace kelvane {
 namespace {
 
+constexpr double nan = std::numeric_limits<double>::quiet_NaN();
+
 /// a, the mean of w + s w' / 2, and b, that of (w s)^2 in one coordinate: cov = b / a^2 (sum of G'WG)^-1.
 struct Factors {
   double a, b;
@@ -57,7 +59,7 @@ void fill(double (&covariance)[6][6], double value) {
 
 }  // namespace
 
-bool set_covariance(const Report_input& input, const Robust_loss& loss, const Point_sums& sums,
+bool set_covariance(const Refine_input& input, const Robust_loss& loss, const Point_sums& sums,
                     std::vector<double>& lengths, Refine_result& result) {
   Factors factors{};
   const bool is_known = input.options.noise_sigma > 0.0;
@@ -66,7 +68,7 @@ bool set_covariance(const Report_input& input, const Robust_loss& loss, const Po
     result.noise_sigma = input.options.noise_sigma;
     factors = expected_factors(loss, result.noise_sigma);
   } else {
-    const double freedom = excess > 0.0 ? excess : std::numeric_limits<double>::quiet_NaN();
+    const double freedom = excess > 0.0 ? excess : nan;
     factors = {sums.weight_and_slope / static_cast<double>(input.data.num_used()), sums.pull / freedom};
     result.noise_sigma =
         loss.kind == Loss::none ? std::sqrt(factors.b) : noise_of_lengths(lengths) * std::sqrt(1.0 + 6.0 / freedom);
@@ -75,14 +77,13 @@ bool set_covariance(const Report_input& input, const Robust_loss& loss, const Po
   double inverse[6][6];
   Descent_system system(input.data, input.rows);
   system.linearise(input.data.world().from_users(result.pose), {}, is_known ? &result.is_inlier : nullptr);
-  if (!system.is_finite()) {
-    fill(result.covariance, std::numeric_limits<double>::quiet_NaN());
-  }
-  if (sums.num_pulling < least_points || (system.is_finite() && !system.inverse(inverse))) {
-    fill(result.covariance, std::numeric_limits<double>::infinity());
+  const bool is_finite = system.is_finite();
+  const bool is_regular = is_finite && system.inverse(inverse);
+  if (!is_regular || sums.num_pulling < least_points) {
+    const bool is_unknown = !is_finite && sums.num_pulling >= least_points;
+    fill(result.covariance, is_unknown ? nan : std::numeric_limits<double>::infinity());
     return false;
   }
-  if (!system.is_finite()) return false;
   const double unit = input.data.world().unit;
   for (int i = 0; i < 6; ++i) {
     for (int j = 0; j < 6; ++j) {

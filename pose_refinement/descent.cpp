@@ -22,54 +22,47 @@ double norm(const double* x, std::size_t size) {
 
 }  // namespace
 
-Descent_outcome Descent::run(const Pose& start, const std::vector<Descent_entry>& earlier) {
-  history_ = earlier;
-  loss_ = {options_.loss, std::numeric_limits<double>::infinity()};
-  const bool can_begin = start_scale(start);
-  Descent_entry entry{start, cost_.cost(start, loss_), loss_.scale, 0.0, 0.0};
-  if (!history_.empty()) {
-    entry.turn = angle_between(history_.back().pose, start);
-    entry.shift = length_between(history_.back().pose, start);
+void Descent::begin(const Pose& start, Descent_state& state) {
+  state.loss = {options_.loss, std::numeric_limits<double>::infinity()};
+  const bool can_begin = start_scale(start, state);
+  Descent_entry entry{start, cost_.cost(start, state.loss), state.loss.scale, 0.0, 0.0};
+  if (!state.history.empty()) {
+    entry.turn = angle_between(state.history.back().pose, start);
+    entry.shift = length_between(state.history.back().pose, start);
   }
-  const bool is_stopped = append(entry);
-  Refine_exit exit = Refine_exit::no_cost;
-  if (can_begin && std::isfinite(entry.cost)) exit = is_stopped ? Refine_exit::stopped : iterate();
-  return {exit, loss_, history_};
+  state.history.push_back(entry);
+  state.exit.reset();
+  if (!can_begin || !std::isfinite(entry.cost)) state.exit = Refine_exit::no_cost;
 }
 
 /// The scale of a loss starts where the residuals are and comes down with them, so that a start far off is not taken
 /// for a set of outliers. False where a residual is no number.
-bool Descent::start_scale(const Pose& start) {
-  is_final_ = is_settled_ = options_.loss == Loss::none;
-  if (is_settled_) return true;
+bool Descent::start_scale(const Pose& start, Descent_state& state) {
+  state.is_final = state.is_settled = options_.loss == Loss::none;
+  if (state.is_settled) return true;
   const std::vector<double>& lengths = cost_.lengths(start);
   if (std::any_of(lengths.begin(), lengths.end(), [](double s) { return std::isnan(s); })) return false;
   constexpr double rounding = 1e-8;  // of what most observations are: exact data leave nothing else
   lengths_ = cost_.lengths_of_observations();
-  least_scale_ = options_.loss_scale > 0.0 ? options_.loss_scale : rounding * noise_of_lengths(lengths_);
-  loss_.scale = lowered_scale(start);
+  state.least_scale = options_.loss_scale > 0.0 ? options_.loss_scale : rounding * noise_of_lengths(lengths_);
+  state.loss.scale = lowered_scale(start, state);
   return true;
 }
 
-Refine_exit Descent::iterate() {
-  while (history_.size() <= static_cast<std::size_t>(options_.max_iterations)) {
-    const Descent_entry before = history_.back();
-    Descent_entry next = before;
-    next.turn = next.shift = 0.0;
-    system_.linearise(before.pose, loss_);
-    const double length = try_steps(system_.steps(), next);
-    Verdict exit = verdict(before, next, length);
-    lower_scale(next, exit);
-    const bool is_stopped = append(next);
-    if (exit) return *exit;
-    if (is_stopped) return Refine_exit::stopped;
-  }
-  return Refine_exit::max_iterations;
+void Descent::iterate(Descent_state& state) {
+  const Descent_entry before = state.history.back();
+  Descent_entry next = before;
+  next.turn = next.shift = 0.0;
+  system_.linearise(before.pose, state.loss);
+  const double length = try_steps(system_.steps(), state.loss, next);
+  state.exit = verdict(before, next, length);
+  lower_scale(next, state);
+  state.history.push_back(next);
 }
 
 /// Takes the best of the steps, or of ever smaller parts of them, if it is better than the pose; the first that is,
 /// where they are so short that it is Newton's. Returns the length of the first whole step.
-double Descent::try_steps(const Steps& steps, Descent_entry& next) {
+double Descent::try_steps(const Steps& steps, const Robust_loss& loss, Descent_entry& next) {
   constexpr double smallest_part = 1e-6;
   constexpr double far = 0.01;
   if (steps.count == 0) return std::numeric_limits<double>::quiet_NaN();
@@ -83,10 +76,10 @@ double Descent::try_steps(const Steps& steps, Descent_entry& next) {
       double twist[6];
       std::transform(steps.twists[i], steps.twists[i] + 6, twist, [part](double entry) { return part * entry; });
       const Pose moved = moved_by(start, twist);
-      const double cost = cost_.cost(moved, loss_);
+      const double cost = cost_.cost(moved, loss);
       if (!(cost < limit)) continue;
       limit = cost;
-      next = {moved, cost, loss_.scale, norm(twist + 3, 3), norm(twist, 3)};
+      next = {moved, cost, loss.scale, norm(twist + 3, 3), norm(twist, 3)};
       is_over = true;
     }
   }
@@ -103,37 +96,28 @@ Descent::Verdict Descent::verdict(const Descent_entry& before, const Descent_ent
 }
 
 /// The scale is final where it no longer comes down, or at the one that the user wants.
-void Descent::lower_scale(Descent_entry& entry, Verdict& exit) {
-  const bool is_converged = exit && static_cast<int>(*exit) > 0;
-  if (is_settled_ || (is_final_ && !is_converged)) return;
+void Descent::lower_scale(Descent_entry& entry, Descent_state& state) {
+  const bool is_converged = state.exit && static_cast<int>(*state.exit) > 0;
+  if (state.is_settled || (state.is_final && !is_converged)) return;
   constexpr double plainly = 0.95;
-  const double before = loss_.scale;
-  const double value = lowered_scale(entry.pose);
-  is_final_ = !(value < plainly * before);
-  if (!is_final_) {
-    loss_.scale = value;
+  const double before = state.loss.scale;
+  const double value = lowered_scale(entry.pose, state);
+  state.is_final = !(value < plainly * before);
+  if (!state.is_final) {
+    state.loss.scale = value;
   } else if (options_.loss_scale > 0.0) {
-    is_settled_ = true;
-    loss_.scale = options_.loss_scale;
+    state.is_settled = true;
+    state.loss.scale = options_.loss_scale;
   }
-  if (loss_.scale == before) return;
-  exit.reset();  // whatever the verdict was, it was on another cost
-  entry.cost = cost_.cost(entry.pose, loss_);
-  entry.scale = loss_.scale;
+  if (state.loss.scale == before) return;
+  state.exit.reset();  // whatever the verdict was, it was on another cost
+  entry.cost = cost_.cost(entry.pose, state.loss);
+  entry.scale = state.loss.scale;
 }
 
-double Descent::lowered_scale(const Pose& pose) {
+double Descent::lowered_scale(const Pose& pose, const Descent_state& state) {
   lengths_ = cost_.lengths(pose);
-  return std::max(least_scale_, std::min(loss_.scale, loss_.tuning() * noise_of_lengths(lengths_)));
-}
-
-/// Whether it shall be the last one.
-bool Descent::append(const Descent_entry& entry) {
-  history_.push_back(entry);
-  if (!options_.watch) return false;
-  const double rms = std::sqrt(entry.cost / static_cast<double>(data_.num_used()));
-  return options_.watch({data_.world().to_users(entry.pose), rms, entry.turn, entry.shift * data_.world().unit},
-                        history_.size() - 1);
+  return std::max(state.least_scale, std::min(state.loss.scale, state.loss.tuning() * noise_of_lengths(lengths_)));
 }
 
 }  // namespace kelvane

@@ -19,44 +19,43 @@ struct Descent_entry {
   double shift;  ///< likewise
 };
 
-/// What came of it.
-struct Descent_outcome {
-  Refine_exit exit = Refine_exit::no_cost;
-  Robust_loss loss;  ///< with the scale in the end
-  std::vector<Descent_entry> history;
+/// Where a descent stands: all that its next iteration depends on.
+struct Descent_state {
+  Robust_loss loss;          ///< with the scale so far
+  double least_scale = 0.0;  ///< below which it does not come
+  bool is_final = true;      ///< no further lowering of the scale until the pose is still
+  bool is_settled = true;    ///< it never changes again
+  std::vector<Descent_entry> history = {};
+  std::optional<Refine_exit> exit = {};  ///< none: to go on
 };
 
-/// Iterates until the pose is still.
+/// Iterates, one step at a time, until the pose is still.
 class Descent {
  public:
   /// All must outlive it.
   Descent(const Observed_points& data, const Camera_rows& rows, const Refine_options& options)
-      : options_(options), data_(data), cost_(data, rows), system_(data, rows) {}
+      : options_(options), cost_(data, rows), system_(data, rows) {}
 
-  /// From a pose of the world on, behind the entries of an earlier run.
-  Descent_outcome run(const Pose& start, const std::vector<Descent_entry>& earlier = {});
+  /// Evaluates a pose of the world, from which iterations go on, behind the entries that there are.
+  void begin(const Pose& start, Descent_state& state);
+  /// Makes one iteration, with one more entry; `exit` says whether it is the last one.
+  void iterate(Descent_state& state);
+
+  Pose_cost& cost() { return cost_; }
 
  private:
   using Verdict = std::optional<Refine_exit>;  // none: to go on
 
-  bool start_scale(const Pose& start);
-  Refine_exit iterate();
-  double try_steps(const Steps& steps, Descent_entry& next);
+  bool start_scale(const Pose& start, Descent_state& state);
+  double try_steps(const Steps& steps, const Robust_loss& loss, Descent_entry& next);
   Verdict verdict(const Descent_entry& before, const Descent_entry& after, double length) const;
-  void lower_scale(Descent_entry& entry, Verdict& exit);
-  double lowered_scale(const Pose& pose);
-  bool append(const Descent_entry& entry);
+  void lower_scale(Descent_entry& entry, Descent_state& state);
+  double lowered_scale(const Pose& pose, const Descent_state& state);
 
   const Refine_options& options_;
-  const Observed_points& data_;
   Pose_cost cost_;
   Descent_system system_;
-  Robust_loss loss_;
-  double least_scale_ = 0.0;
-  bool is_final_ = true;    // the scale, as long as the pose is not still
-  bool is_settled_ = true;  // the scale, whatever comes
   std::vector<double> lengths_;
-  std::vector<Descent_entry> history_;
 };
 
 }  // namespace kelvane

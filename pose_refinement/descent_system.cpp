@@ -11,8 +11,7 @@ namespace kelvane {
 
 void Descent_system::linearise(const Pose& pose, const Robust_loss& loss, const std::vector<unsigned char>* marks) {
   triangle_.start(6);
-  num_pulls_ = 0;
-  for (auto& row : slopes_) std::fill_n(row, 6, 0.0);
+  for (auto& sums : slope_sums_) std::fill_n(sums, group_size, 0.0);
   for (const Sights& all : data_.sights()) {
     Sights marked;
     if (marks != nullptr) {
@@ -24,69 +23,47 @@ void Descent_system::linearise(const Pose& pose, const Robust_loss& loss, const 
     }
     const Sights& sights = marks != nullptr ? marked : all;
     rows_.linearise(sights, pose, block_);
-    weigh(sights, loss);
+    if (loss.kind == Loss::none && marks == nullptr && !data_.has_weights()) {
+      clear_filling(sights);  // all other weights are 1
+    } else {
+      weigh(sights, loss);
+    }
     triangle_.absorb(block_, sights.num_rows());
   }
-  sum_up_pulls();
+  sum_up_slopes();
+}
+
+void Descent_system::clear_filling(const Sights& sights) {
+  for (std::size_t i = sights.num_points; i < sights.num_groups() * group_size; ++i) {
+    for (std::size_t k = 0; k < sights.d; ++k) {
+      for (std::size_t c = 0; c < 7; ++c) block_.column(c)[sights.row(i, k)] = 0.0;
+    }
+  }
 }
 
 /// From G and r to sqrt(w W) G and sqrt(w W) r.
 void Descent_system::weigh(const Sights& sights, const Robust_loss& loss) {
-  // The residual of a point almost without weight may be huge. Any factor d of a row is as good if the other side is
-  // multiplied by w / d (Eq. 37), and this one keeps squares in range.
-  constexpr double least_factor = 1e-40;
+  const Sight_kernels& kernels = rows_.sight_kernels();
   double* const r = block_.column(6);
-  double roots[Block::max_rows];
-  for (std::size_t first = 0; first < sights.num_rows(); first += sights.d * group_size) {
-    double lengths[group_size];
-    double factors[group_size];
-    double others[group_size];
-    lengths_of_group(&sights.weights[first], r + first, sights.d, lengths);
-    add_slopes(sights, loss, first, lengths);
-    for (std::size_t lane = 0; lane < group_size; ++lane) {
-      const double w = loss.weight(lengths[lane]);
-      factors[lane] = std::max(w, least_factor);
-      others[lane] = w / factors[lane];
-    }
-    for (std::size_t row = first; row < first + sights.d * group_size; row += group_size) {
-      for (std::size_t lane = 0; lane < group_size; ++lane) {
-        const double root = std::sqrt(sights.weights[row + lane] * factors[lane]);
-        const double other = r[row + lane] * root * others[lane];
-        r[row + lane] = root == 0.0 ? 0.0 : other;
-        roots[row + lane] = root;
-      }
-    }
-  }
-  for (std::size_t c = 0; c < 6; ++c) {
-    double* const column = block_.column(c);
-    for (std::size_t row = 0; row < sights.num_rows(); ++row) column[row] *= roots[row];
-  }
+  double lengths[Sights::most_points];
+  alignas(cache_line) double roots[Block::max_rows];
+  lengths_of_sights(sights, kernels, r, lengths);
+  kernels.add_slopes(loss, sights.weights, lengths, sights.d, sights.num_groups(), block_.column(0), block_.stride(),
+                     slope_sums_);
+  kernels.weigh(loss, sights.weights, lengths, sights.d, sights.num_groups(), r, roots);
+  for (std::size_t c = 0; c < 6; ++c) kernels.scale(roots, sights.num_rows(), block_.column(c));
 }
 
-/// Points on whose weight the residual tells are few with most losses: they are collected, eight at a time.
-void Descent_system::add_slopes(const Sights& sights, const Robust_loss& loss, std::size_t first,
-                                const double* lengths) {
-  for (std::size_t lane = 0; lane < group_size; ++lane) {
-    const double s = lengths[lane];
-    const double slope = -loss.slope_times_length(s);
-    if (!(slope > 0.0 && s > 0.0)) continue;
-    double pull[6] = {};
-    for (std::size_t row = first + lane; row < first + sights.d * group_size; row += group_size) {
-      const double weighted = sights.weights[row] * block_.column(6)[row] * (std::sqrt(slope) / s);
-      for (std::size_t c = 0; c < 6; ++c) pull[c] += weighted * block_.column(c)[row];
-    }
-    for (std::size_t c = 0; c < 6; ++c) pulls_[c][num_pulls_ % group_size] = pull[c];
-    if (++num_pulls_ % group_size == 0) sum_up_pulls();
-  }
-}
-
-void Descent_system::sum_up_pulls() {
+void Descent_system::sum_up_slopes() {
+  const double(*sums)[group_size] = slope_sums_;
+  has_slopes_ = false;
   for (std::size_t i = 0; i < 6; ++i) {
-    for (std::size_t j = i; j < 6; ++j) {
-      for (std::size_t lane = 0; lane < group_size; ++lane) slopes_[i][j] += pulls_[i][lane] * pulls_[j][lane];
+    for (std::size_t j = i; j < 6; ++j, ++sums) {
+      slopes_[i][j] = 0.0;
+      for (const double sum : *sums) slopes_[i][j] += sum;
+      has_slopes_ = has_slopes_ || slopes_[i][j] != 0.0;
     }
   }
-  for (auto& pulls : pulls_) std::fill_n(pulls, group_size, 0.0);
 }
 
 bool Descent_system::is_finite() const {
@@ -101,7 +78,7 @@ Steps Descent_system::steps() {
   const bool is_plain = small_.solve_plainly(triangle_.entries(), 6, num_rows, usual);
   if (!is_plain) small_.solve_shortest(triangle_.entries(), 6, num_rows, Small_system::Units::last_three, usual);
   steps.count = 1;
-  if (is_plain && num_pulls_ > 0) {
+  if (is_plain && has_slopes_) {
     double better[6];
     if (newton(better)) {
       std::copy_n(usual, 6, steps.twists[1]);

@@ -34,9 +34,9 @@ class Descent_system {
   bool is_finite() const;
 
  private:
+  void clear_filling(const Sights& sights);
   void weigh(const Sights& sights, const Robust_loss& loss);
-  void add_slopes(const Sights& sights, const Robust_loss& loss, std::size_t first, const double* lengths);
-  void sum_up_pulls();
+  void sum_up_slopes();
   bool newton(double* twist) const;
 
   const Observed_points& data_;
@@ -44,9 +44,9 @@ class Descent_system {
   Block block_;
   Triangle triangle_;
   Small_system small_;
-  std::size_t num_pulls_ = 0;
-  double pulls_[6][group_size] = {};  // the last of them, which are not yet in the sum
-  double slopes_[6][6] = {};          // sum of -w'/s (G'Wr)(G'Wr)', upper half
+  alignas(cache_line) double slope_sums_[21][group_size] = {};  // of the upper half of slopes_
+  double slopes_[6][6] = {};                                    // sum of -w'/s (G'Wr)(G'Wr)', upper half
+  bool has_slopes_ = false;
 };
 
 }  // namespace kelvane

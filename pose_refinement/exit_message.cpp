@@ -1,22 +1,15 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // The sentences of a refinement's end.
 #include <cmath>
-#include <cstdio>
 
+#include "pose_refinement/bad_argument.h"
 #include "pose_refinement/report.h"
 
 namespace kelvane {
 namespace {
 
-/// As printf's %g. No stream: it would keep quiet where memory runs out.
-std::string text(double value) {
-  char digits[32];
-  static_cast<void>(std::snprintf(digits, sizeof digits, "%g", value));
-  return digits;
-}
-
 /// Which point of the start has no finite cost, and why.
-std::string reason_of_no_cost(const Report_input& input) {
+std::string reason_of_no_cost(const Refine_input& input) {
   std::size_t worst = 0;
   bool is_nan = false;
   double largest = 0.0;
@@ -31,25 +24,38 @@ std::string reason_of_no_cost(const Report_input& input) {
       worst = sights.index[i];
     }
   }
-  const std::string point = "point " + std::to_string(worst);
-  if (is_nan) return point + " lies in the plane of the camera centre, and its prediction is not finite.";
-  return "the residual of " + point + ", " + text(largest) + ", is too large: the sum of squares is not finite.";
+  const std::string point = "point " + std::to_string(input.words.first_number + worst);
+  if (is_nan) {
+    return "a point lies in the plane of the camera centre, and its prediction is not finite: " + point + ".";
+  }
+  return "the residual of " + point + ", " + text_of(largest) + ", is too large: the sum of squares is not finite.";
 }
 
-std::string reason(const Report_input& input, const Refine_result& result, const Point_sums& sums) {
+/// How many points the loss leaves a pull: fewer than determine a pose.
+std::string reason_of_no_pull(const Refine_input& input, const Refine_result& result, const Point_sums& sums) {
+  return "The points do not determine the pose: " + std::to_string(sums.num_pulling) +
+         (sums.num_pulling == 1 ? " has a residual" : " have residuals") + " below " + input.words.loss_scale + " = " +
+         text_of(result.loss_scale) + ", the others no pull.";
+}
+
+std::string reason(const Refine_input& input, const Refine_result& result, const Point_sums& sums) {
+  using namespace std::string_literals;
   constexpr std::size_t least_points = 3;
   const Refine_options& options = input.options;
+  const Words& words = input.words;
   switch (result.exit) {
     case Refine_exit::step:
-      return "Converged: the step is below step_tolerance = " + text(options.step_tolerance) + ".";
+      return "Converged: the step is below "s + words.step_tolerance + " = " + text_of(options.step_tolerance) + ".";
     case Refine_exit::rounding:
       return "Converged: rounding hides any further decrease.";
     case Refine_exit::decrease:
-      return "Converged: the decrease is below function_tolerance = " + text(options.function_tolerance) + ".";
+      return "Converged: the decrease is below "s + words.function_tolerance + " = " +
+             text_of(options.function_tolerance) + ".";
     case Refine_exit::max_iterations:
-      return "Not converged: stopped after max_iterations = " + std::to_string(options.max_iterations) + ".";
+      return "Not converged: stopped after "s + words.max_iterations + " = " + std::to_string(options.max_iterations) +
+             ".";
     case Refine_exit::stopped:
-      return "Not converged: stopped by watch.";
+      return "Not converged: stopped by "s + words.watch + ".";
     case Refine_exit::uphill:
       return "Not converged: no part of the step lowers the cost.";
     case Refine_exit::no_cost:
@@ -58,11 +64,9 @@ std::string reason(const Report_input& input, const Refine_result& result, const
       if (sums.num_pulling >= least_points) {
         return "The points do not determine the pose: some direction of motion leaves all predictions as they are.";
       }
-      return "The points do not determine the pose: " + std::to_string(sums.num_pulling) +
-             " have residuals below loss_scale = " + text(options.loss_scale) + ", the others no pull.";
+      return reason_of_no_pull(input, result, sums);
     case Refine_exit::behind:
-      return "Not found: more than half of the weight lies behind the camera, and the mirrored pose led to nothing "
-             "better.";
+      return "Not found: more than half of the weight lies behind the camera.";
     case Refine_exit::failed:
       break;
   }
@@ -71,7 +75,7 @@ std::string reason(const Report_input& input, const Refine_result& result, const
 
 }  // namespace
 
-std::string exit_message(const Report_input& input, const Refine_result& result, const Point_sums& sums) {
+std::string exit_message(const Refine_input& input, const Refine_result& result, const Point_sums& sums) {
   std::string message = reason(input, result, sums);
   if (result.num_behind == 0) return message;
   const char* lie = result.num_behind == 1 ? " point lies" : " points lie";

@@ -47,6 +47,11 @@ Pose moved_by(const Pose& pose, const double* twist) {
   return moved;
 }
 
+bool are_same(const Pose& a, const Pose& b) {
+  return std::equal(a.centre, a.centre + 3, b.centre) &&
+         std::equal(&a.rotation[0][0], &a.rotation[0][0] + 9, &b.rotation[0][0]);
+}
+
 double angle_between(const Pose& a, const Pose& b) {
   double square = 0.0;  // of the difference, 8 sin^2(angle / 2)
   for (int i = 0; i < 3; ++i) {

@@ -4,25 +4,52 @@
 
 #include <algorithm>
 #include <cmath>
-#include <stdexcept>
 #include <string>
+
+#include "pose_refinement/bad_argument.h"
 
 namespace kelvane {
 namespace {
 
+using Where = Bad_argument::Where;
+
 std::string text(std::size_t number) { return std::to_string(number); }
 
-[[noreturn, gnu::cold]] void refuse(const std::string& sentence) { throw std::invalid_argument(sentence); }
+[[noreturn, gnu::cold]] void refuse_size(const char* name, const std::string& sentence) {
+  throw Bad_argument("size", name, sentence);
+}
 
-/// Of any size but zero.
-double length_of(const double* x) {
+[[noreturn, gnu::cold]] void refuse_infinite_observation(std::size_t number, double value) {
+  throw Bad_argument("notFinite", "observations", Where::entry, number,
+                     " is " + text_of(value) + ". NaN is for what was not seen.");
+}
+
+[[noreturn, gnu::cold]] void refuse_negative_weights(const Numbers& weights) {
+  const double least = *std::min_element(weights.data, weights.data + weights.size);
+  throw Bad_argument("negativeWeight", "weights", " must not be negative; the least is " + text_of(least) + ".");
+}
+
+[[noreturn, gnu::cold]] void refuse_zero_bearing(std::size_t point, double length) {
+  throw Bad_argument("zeroBearing", "observations", Where::point, point,
+                     " has the length " + text_of(length, 2) + ": a bearing needs a direction.");
+}
+
+[[noreturn, gnu::cold]] void refuse_number_of_points(std::size_t num_points, std::size_t num_used) {
+  const char* which = num_points < 3 ? "" : " with a weight above 0 and an observation";
+  throw Bad_argument("tooFewPoints", "",
+                     std::string("Three points") + which + " are the least that determine a pose; there " +
+                         (num_used == 1 ? "is " : "are ") + text(num_used) + ".");
+}
+
+}  // namespace
+
+double length_of_direction(const double* x) {
   const double largest = std::max({std::abs(x[0]), std::abs(x[1]), std::abs(x[2])});
+  if (largest == 0.0) return 0.0;
   double square = 0.0;
   for (int k = 0; k < 3; ++k) square += (x[k] / largest) * (x[k] / largest);
   return largest * std::sqrt(square);
 }
-
-}  // namespace
 
 Pose World::from_users(Pose pose) const {
   for (int i = 0; i < 3; ++i) pose.centre[i] = (pose.centre[i] - origin[i]) / unit;
@@ -50,41 +77,33 @@ Observed_points::Observed_points(const Refine_problem& problem, const Pose& star
     if (is_used(i)) add(i);
   }
   num_equations_ = std::min(num_equations_, 2 * num_used_);
-  if (num_used_ < 3) {
-    refuse("Three points with an observation and a weight above 0 are the least that determine a pose; there are " +
-           text(num_used_) + ".");
-  }
+  if (num_used_ < 3) refuse_number_of_points(n_, num_used_);
   move_to_own_world(start);
 }
 
 void Observed_points::check_sizes() const {
   const Refine_problem& p = problem_;
-  if (p.points.size % 3 != 0) refuse("points: " + text(p.points.size) + " numbers are no multiple of 3.");
+  if (p.points.size % 3 != 0) refuse_size("points", ": " + text(p.points.size) + " numbers are no multiple of 3.");
   if (p.observations.size != d_ * n_) {
-    refuse("observations must be " + text(d_ * n_) + " numbers, " + text(d_) + " for each of the " + text(n_) +
-           " points; there are " + text(p.observations.size) + ".");
+    refuse_size("observations", " must be " + text(d_ * n_) + " numbers, " + text(d_) + " for each of the " + text(n_) +
+                                    " points; there are " + text(p.observations.size) + ".");
   }
   if (p.weights.size != 0 && p.weights.size != n_ && p.weights.size != d_ * n_) {
-    refuse("weights must be none, " + text(n_) + " (one for each point) or " + text(d_ * n_) +
-           " (one for each observed number); there are " + text(p.weights.size) + ".");
+    refuse_size("weights", " must be none, " + text(n_) + " (one for each point) or " + text(d_ * n_) +
+                               " (one for each observed number); there are " + text(p.weights.size) + ".");
   }
 }
 
 void Observed_points::check_point(std::size_t i) const {
   for (std::size_t j = 3 * i; j < 3 * i + 3; ++j) {
-    if (!std::isfinite(points_[j])) refuse("points[" + text(j) + "] is not finite. All of them must be.");
+    if (!std::isfinite(points_[j])) refuse_not_finite("points", j, points_[j]);
   }
-  double largest = 0.0;
-  for (std::size_t j = d_ * i; j < d_ * i + d_; ++j) {
-    if (std::isinf(observations_[j]))
-      refuse("observations[" + text(j) + "] is infinite. NaN is for what was not seen.");
-    if (!(weight(i, j - d_ * i) >= 0.0 && std::isfinite(weight(i, j - d_ * i)))) {
-      refuse("weights[" + text(per_equation_ ? j : i) + "] must be a number of 0 or more.");
-    }
-    largest = std::max(largest, std::abs(observations_[j]));
-  }
-  if (d_ == 3 && largest < 1e-10 && is_used(i)) {
-    refuse("observations[" + text(3 * i) + "] and the two behind it have the length 0: a direction is needed.");
+  for (std::size_t k = 0; k < d_; ++k) {
+    const double seen = observations_[d_ * i + k];
+    if (std::isinf(seen)) refuse_infinite_observation(d_ * i + k, seen);
+    const double w = weight(i, k);
+    if (!std::isfinite(w)) refuse_not_finite("weights", per_equation_ ? d_ * i + k : i, w);
+    if (w < 0.0) refuse_negative_weights(problem_.weights);
   }
 }
 
@@ -98,6 +117,7 @@ bool Observed_points::is_used(std::size_t i) const {
 }
 
 void Observed_points::add(std::size_t i) {
+  constexpr double least_length = 1e-300;  // of a direction: from there on it loses digits
   const std::size_t at = num_used_++ % (Block::max_rows / d_);
   if (at == 0) sights_.emplace_back();
   Sights& sights = sights_.back();
@@ -105,7 +125,8 @@ void Observed_points::add(std::size_t i) {
   sights.d = d_;
   sights.index[at] = i;
   const double* seen = &observations_[d_ * i];
-  const double length = d_ == 3 ? length_of(seen) : 1.0;
+  const double length = d_ == 3 ? length_of_direction(seen) : 1.0;
+  if (length < least_length) refuse_zero_bearing(i, length);
   for (std::size_t k = 0; k < d_; ++k) {
     sights.observed[sights.row(at, k)] = seen[k] / length;
     sights.weights[sights.row(at, k)] = weight(i, k);
@@ -131,8 +152,11 @@ void Observed_points::move_to_own_world(const Pose& start) {
     }
   }
   world_.unit = std::sqrt(square);
-  if (world_.unit == 0.0) refuse("points: all of them lie at the camera centre.");
-  if (!std::isfinite(world_.unit)) refuse("points: the squares of their distances are not finite.");
+  if (world_.unit == 0.0) throw Bad_argument("allAtCentre", "", "All points lie at the camera centre.");
+  if (!std::isfinite(world_.unit))
+    throw Bad_argument(
+        "notFinite", "",
+        "The points are too far from where the camera starts: the squares of their distances are not finite.");
   for (Sights& sights : sights_) {
     for (std::size_t i = 0; i < 3 * sights.num_groups() * group_size; ++i) {
       sights.points[i] = (sights.points[i] - world_.origin[i % 3]) / world_.unit;

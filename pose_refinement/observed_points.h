@@ -29,6 +29,9 @@ struct Sights {
   std::size_t row(std::size_t i, std::size_t k) const { return (i / group_size * d + k) * group_size + i % group_size; }
 };
 
+/// Of x, y, z of any size but zero.
+double length_of_direction(const double* x);
+
 /// A world of its own: the points are centred at 0, and their mean square distance from the camera's start is 1. There
 /// the columns of a twist are of like size, and a step means the same in every unit.
 struct World {
@@ -42,14 +45,15 @@ struct World {
 /// Points that are neither without observation nor without weight, with what was seen of them.
 class Observed_points {
  public:
-  /// start: the problem's, with a rotation. Throws std::invalid_argument as refine() does.
+  /// start: the problem's, with a rotation. Throws Bad_argument.
   Observed_points(const Refine_problem& problem, const Pose& start);
 
   std::size_t num_points() const { return n_; }  ///< those left out included
   std::size_t num_used() const { return num_used_; }
   /// Observed numbers with a weight above 0, where a direction counts as two.
   std::size_t num_equations() const { return num_equations_; }
-  std::size_t d() const { return d_; }  ///< numbers of an observation: 2, or 3 for directions
+  bool has_weights() const { return weights_ != nullptr; }  ///< or all are 1
+  std::size_t d() const { return d_; }                      ///< numbers of an observation: 2, or 3 for directions
 
   const World& world() const { return world_; }
   /// In that world.

@@ -6,7 +6,7 @@
 
 namespace kelvane {
 
-/// Throws std::invalid_argument, with a sentence that names the option.
+/// Throws Bad_argument, which names the option.
 void check(const Refine_options& options);
 
 }  // namespace kelvane

@@ -2,11 +2,12 @@
 // Forms of a pose, by way of its matrix.
 #include "pose_refinement/pose.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstddef>
-#include <stdexcept>
 #include <string>
 
+#include "pose_refinement/bad_argument.h"
 #include "pose_refinement/motion.h"
 #include "rotations/conversions.h"
 
@@ -15,10 +16,21 @@ namespace {
 
 void check_finite(const double* values, std::size_t size, const char* name) {
   for (std::size_t i = 0; i < size; ++i) {
-    if (std::isfinite(values[i])) continue;
-    throw std::invalid_argument(std::string(name) + "[" + std::to_string(i) +
-                                "] is not finite. All entries must be finite numbers.");
+    if (!std::isfinite(values[i])) refuse_not_finite(name, i, values[i]);
   }
+}
+
+/// The largest entry of R' R - I.
+double deviation_of(const double (&R)[3][3]) {
+  double largest = 0.0;
+  for (int i = 0; i < 3; ++i) {
+    for (int j = 0; j < 3; ++j) {
+      double product = i == j ? -1.0 : 0.0;
+      for (const auto& row : R) product += row[i] * row[j];
+      largest = std::max(largest, std::abs(product));
+    }
+  }
+  return largest;
 }
 
 /// Turns world_from_camera into camera_from_world, and back.
@@ -45,27 +57,27 @@ void set_translation(const std::array<double, 3>& s, Pose& pose) {
 
 }  // namespace
 
-Pose checked(const Pose& pose) {
+void take_nearest_rotation(double (&R)[3][3], const char* name) {
   constexpr double six_digits = 1e-5;
-  check_finite(&pose.rotation[0][0], 9, "pose.rotation");
-  check_finite(pose.centre, 3, "pose.centre");
-  for (int i = 0; i < 3; ++i) {
-    for (int j = 0; j < 3; ++j) {
-      double product = 0.0;
-      for (const auto& row : pose.rotation) product += row[i] * row[j];
-      if (std::abs(product - (i == j ? 1.0 : 0.0)) <= six_digits) continue;
-      throw std::invalid_argument(
-          "pose.rotation is not a rotation: its columns are not of unit length and at right angles to 1e-5. A scale "
-          "must be divided out first.");
-    }
+  check_finite(&R[0][0], 9, name);
+  const double deviation = deviation_of(R);
+  if (deviation > six_digits) {
+    throw Bad_argument("notRotation", name,
+                       " is not a rotation: R' * R differs from the identity by " + text_of(deviation, 2) +
+                           ". A scale must be divided out first.");
   }
-  if (determinant(pose.rotation) < 0.0) {
-    throw std::invalid_argument(
-        "pose.rotation has the determinant -1: it mirrors. Both frames must be right-handed; negate the axis that "
-        "points the other way.");
+  if (determinant(R) < 0.0) {
+    throw Bad_argument("leftHanded", name,
+                       " has the determinant -1: it mirrors. Both frames must be right-handed; "
+                       "negate the axis that points the other way.");
   }
+  for (int step = 0; step < 2; ++step) make_orthogonal(R);
+}
+
+Pose checked(const Pose& pose) {
   Pose nearest = pose;
-  for (int step = 0; step < 2; ++step) make_orthogonal(nearest.rotation);
+  take_nearest_rotation(nearest.rotation, "pose.rotation");
+  check_finite(pose.centre, 3, "pose.centre");
   return nearest;
 }
 
@@ -82,8 +94,11 @@ Pose pose_of(const Quaternion_pose& value, Pose_frame frame) {
   check_finite(value.q.data(), 4, "the quaternion");
   set_translation(value.s, pose);
   double unit[4];
-  if (rotations::split_length(value.q.data(), 4, unit) < 1e-100) {
-    throw std::invalid_argument("The quaternion has the length 0: it is no rotation.");
+  const double length = rotations::split_length(value.q.data(), 4, unit);
+  if (length < 1e-100) {
+    throw Bad_argument(
+        "zeroQuaternion", "",
+        "A quaternion of length " + text_of(length, 2) + " is no rotation; without a turn it is 1 and three zeros.");
   }
   rotations::quaternion_to_rot_mat(unit, pose.rotation);
   return from_frame(pose, frame);

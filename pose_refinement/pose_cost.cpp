@@ -6,13 +6,10 @@
 #include <cmath>
 #include <limits>
 
+#include "pose_refinement/motion.h"
+
 namespace kelvane {
 namespace {
-
-bool are_same(const Pose& a, const Pose& b) {
-  return std::equal(a.centre, a.centre + 3, b.centre) &&
-         std::equal(&a.rotation[0][0], &a.rotation[0][0] + 9, &b.rotation[0][0]);
-}
 
 /// Where squares overflow: divided by the largest part first.
 double careful_length(const double* weights, const double* residuals, std::size_t d) {
@@ -31,34 +28,20 @@ double careful_length(const double* weights, const double* residuals, std::size_
 
 }  // namespace
 
-void lengths_of_group(const double* weights, const double* residuals, std::size_t d, double* lengths) {
-  constexpr double safe = 1e150;
-  for (std::size_t lane = 0; lane < group_size; ++lane) lengths[lane] = 0.0;
-  for (std::size_t i = 0; i < d * group_size; i += group_size) {
-    for (std::size_t lane = 0; lane < group_size; ++lane) {
-      lengths[lane] += weights[i + lane] * (residuals[i + lane] * residuals[i + lane]);
-    }
+bool lengths_of_sights(const Sights& sights, const Sight_kernels& kernels, const double* residuals, double* lengths) {
+  const std::size_t d = sights.d;
+  if (kernels.lengths(sights.weights, residuals, d, sights.num_groups(), lengths)) return true;
+  for (std::size_t i = 0; i < sights.num_groups() * group_size; ++i) {
+    const std::size_t first = sights.row(i, 0);
+    lengths[i] = careful_length(sights.weights + first, residuals + first, d);
   }
-  for (std::size_t lane = 0; lane < group_size; ++lane) lengths[lane] = std::sqrt(lengths[lane]);
-  double sum = 0.0;
-  for (std::size_t lane = 0; lane < group_size; ++lane) sum += lengths[lane];
-  if (sum <= safe) return;  // not so for NaN
-  for (std::size_t lane = 0; lane < group_size; ++lane) {
-    lengths[lane] = careful_length(weights + lane, residuals + lane, d);
-  }
-}
-
-void lengths_of_sights(const Sights& sights, const double* residuals, double* lengths) {
-  for (std::size_t g = 0; g < sights.num_groups(); ++g) {
-    const std::size_t first = g * sights.d * group_size;
-    lengths_of_group(&sights.weights[first], &residuals[first], sights.d, &lengths[g * group_size]);
-  }
+  return false;
 }
 
 double Pose_cost::cost(const Pose& pose, const Robust_loss& loss) {
   double sums[group_size] = {};  // which do not wait for each other
   const std::vector<double>& lengths = this->lengths(pose);
-  for (std::size_t i = 0; i < lengths.size(); ++i) sums[i % group_size] += loss.cost(lengths[i]);
+  rows_.sight_kernels().add_costs(loss, lengths.data(), lengths.size(), sums);
   double total = 0.0;
   for (const double sum : sums) total += sum;
   return std::isfinite(total) ? total : std::numeric_limits<double>::infinity();
@@ -73,7 +56,7 @@ const std::vector<double>& Pose_cost::lengths(const Pose& pose) {
   double* to = lengths_.data();
   for (const Sights& sights : data_.sights()) {
     rows_.residuals(sights, pose, residuals);
-    lengths_of_sights(sights, residuals, some);
+    lengths_of_sights(sights, rows_.sight_kernels(), residuals, some);
     to = std::copy_n(some, sights.num_points, to);
   }
   return lengths_;
@@ -90,7 +73,7 @@ std::vector<double> Pose_cost::lengths_of_observations() const {
       const std::size_t k = row / group_size % sights.d;
       seen[row] = sights.observed[row] - (sights.d == 2 ? centre[k] : 0.0);
     }
-    lengths_of_sights(sights, seen, some);
+    lengths_of_sights(sights, rows_.sight_kernels(), seen, some);
     lengths.insert(lengths.end(), some, some + sights.num_points);
   }
   return lengths;

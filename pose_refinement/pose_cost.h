@@ -10,12 +10,10 @@
 
 namespace kelvane {
 
-/// The weighted lengths of a group's residuals, eight of them: the root of the sum of weight times square over the
-/// coordinates. Zero without weight, NaN where a residual with a weight is NaN.
-void lengths_of_group(const double* weights, const double* residuals, std::size_t d, double* lengths);
-
-/// The same of all groups.
-void lengths_of_sights(const Sights& sights, const double* residuals, double* lengths);
+/// The weighted lengths of the residuals of all groups: the root of the sum of weight times square over the
+/// coordinates. Zero without weight, NaN where a residual with a weight is NaN. Whether squares stayed in range, and
+/// nothing is NaN.
+bool lengths_of_sights(const Sights& sights, const Sight_kernels& kernels, const double* residuals, double* lengths);
 
 /// The cost of poses in the world of the data, which must outlive this.
 class Pose_cost {

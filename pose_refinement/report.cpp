@@ -11,9 +11,41 @@
 namespace kelvane {
 namespace {
 
+constexpr double infinity = std::numeric_limits<double>::infinity();
+
+/// Sums over the points.
+class Costs {
+ public:
+  explicit Costs(const Robust_loss& loss) : loss_(&loss) {}
+
+  void add(double length, bool is_inlier) {
+    robust += loss_->cost(length);
+    plain += length * length;
+    of_inliers += is_inlier ? length * length : 0.0;
+  }
+  /// Where it is not finite.
+  Costs made_infinite() const {
+    Costs costs = *this;
+    if (!std::isfinite(robust)) costs.robust = infinity;
+    return costs;
+  }
+
+  double robust = 0.0, plain = 0.0, of_inliers = 0.0;
+
+ private:
+  const Robust_loss* loss_;
+};
+
+/// The length of a residual up to which its point is an inlier.
+double most_of_inliers(const Robust_loss& loss) {
+  constexpr double num_sigma = 3.0;
+  return loss.kind == Loss::none ? infinity : num_sigma * (loss.scale / loss.tuning());
+}
+
 class Reporter {
  public:
-  Reporter(const Report_input& input, const Descent_outcome& outcome) : input_(input), outcome_(outcome) {}
+  Reporter(const Refine_input& input, const Descent_outcome& outcome)
+      : input_(input), outcome_(outcome), most_of_inliers_(most_of_inliers(outcome.loss)) {}
 
   Refine_result run() {
     result_.loss_scale = outcome_.loss.scale;
@@ -27,11 +59,6 @@ class Reporter {
   }
 
  private:
-  /// Sums over the points.
-  struct Costs {
-    double robust = 0.0, plain = 0.0, of_inliers = 0.0;
-  };
-
   double root(double cost) const { return std::sqrt(cost / static_cast<double>(input_.data.num_used())); }
 
   Rms root(const Costs& costs) const {
@@ -42,6 +69,7 @@ class Reporter {
   void set_history() {
     const World& world = input_.data.world();
     Pose_cost own(input_.data, input_.rows);
+    result_.history.reserve(outcome_.history.size());
     for (const Descent_entry& entry : outcome_.history) {
       const bool is_told = entry.scale == outcome_.loss.scale;
       const double cost = is_told ? entry.cost : own.cost(entry.pose, outcome_.loss);
@@ -52,8 +80,6 @@ class Reporter {
 
   /// The last pose, unless another scale of the loss or rounding makes the start the better one.
   void choose() {
-    constexpr double rounding_of_cost = 1e-12;
-    constexpr double hidden_by_rounding = 1e-6;
     found_ = result_.history.size() > 1 ? result_.history.back().pose : input_.start;
     result_.pose = found_;
     result_.exit = outcome_.exit;
@@ -62,19 +88,23 @@ class Reporter {
     result_.history.front().rms = root(before.robust);
     if (result_.history.size() > 1) result_.history.back().rms = root(after.robust);
     if (!(after.robust < before.robust)) {
-      const Pose& first = outcome_.history.front().pose;
-      const Pose& last = outcome_.history.back().pose;
-      const double way = std::hypot(angle_between(first, last), length_between(first, last));
-      if (after.robust > before.robust * (1.0 + rounding_of_cost) && way > hidden_by_rounding) {
-        result_.exit = Refine_exit::uphill;
-      }
+      if (is_plainly_worse(after, before)) result_.exit = Refine_exit::uphill;
       found_ = input_.start;
       result_.pose = input_.problem.start;  // to the last bit
-      after = set_points();
-      before = costs_of(input_.start);
+      before = after = set_points();
     }
     result_.before = root(before);
     result_.after = root(after);
+  }
+
+  /// By more than rounding.
+  bool is_plainly_worse(const Costs& after, const Costs& before) const {
+    constexpr double rounding_of_cost = 1e-12;
+    constexpr double hidden_by_rounding = 1e-6;
+    const Pose& first = outcome_.history.front().pose;
+    const Pose& last = outcome_.history.back().pose;
+    const double way = std::hypot(angle_between(first, last), length_between(first, last));
+    return after.robust > before.robust * (1.0 + rounding_of_cost) && way > hidden_by_rounding;
   }
 
   /// Calls visit(sights, residuals, lengths) for some points after the other, in the caller's world.
@@ -85,80 +115,77 @@ class Reporter {
     for (Sights sights : input_.data.sights()) {
       input_.data.restore_points(sights);
       input_.rows.residuals(sights, pose, residuals);
-      lengths_of_sights(sights, residuals, lengths);
+      lengths_of_sights(sights, input_.rows.sight_kernels(), residuals, lengths);
       visit(sights, residuals, lengths);
     }
   }
 
   /// With the inliers of the result.
   Costs costs_of(const Pose& pose) const {
-    Costs costs;
+    Costs costs(outcome_.loss);
     visit(pose, [&](const Sights& sights, const double* /*residuals*/, const double* lengths) {
       for (std::size_t i = 0; i < sights.num_points; ++i) {
-        const double s = lengths[i];
-        costs.robust += outcome_.loss.cost(s);
-        costs.plain += s * s;
-        costs.of_inliers += result_.is_inlier[sights.index[i]] != 0 ? s * s : 0.0;
+        costs.add(lengths[i], result_.is_inlier[sights.index[i]] != 0);
       }
     });
-    if (!std::isfinite(costs.robust)) costs.robust = std::numeric_limits<double>::infinity();
-    return costs;
+    return costs.made_infinite();
   }
 
-  /// Everything that is told of each point.
+  /// Everything that is told of each point of the pose.
   Costs set_points() {
-    constexpr double nan = std::numeric_limits<double>::quiet_NaN();
-    const std::size_t d = input_.data.d();
-    const Robust_loss& loss = outcome_.loss;
-    const double noise = loss.scale / loss.tuning();
-    const double most = loss.kind == Loss::none ? std::numeric_limits<double>::infinity() : 3.0 * noise;
-    result_.residuals.assign(d * input_.data.num_points(), nan);
+    result_.residuals.assign(input_.data.d() * input_.data.num_points(), std::numeric_limits<double>::quiet_NaN());
     result_.is_inlier.assign(input_.data.num_points(), 0);
     result_.num_behind = result_.num_inliers = 0;
     sums_ = {};
     lengths_.clear();
     lengths_.reserve(input_.data.num_used());
+    Costs costs(outcome_.loss);
     visit(found_, [&](const Sights& sights, const double* residuals, const double* lengths) {
-      double depths[Sights::most_points];
-      Camera_rows::depths(sights, found_, depths);
+      set_residuals(sights, residuals);
       for (std::size_t i = 0; i < sights.num_points; ++i) {
-        const double s = lengths[i];
-        const double w = loss.weight(s);
-        const bool is_inlier = s <= most;
-        for (std::size_t k = 0; k < d; ++k) result_.residuals[d * sights.index[i] + k] = residuals[sights.row(i, k)];
-        result_.is_inlier[sights.index[i]] = is_inlier ? 1 : 0;
-        result_.num_inliers += is_inlier ? 1 : 0;
-        result_.num_behind += d == 2 && depths[i] <= 0.0 ? 1 : 0;
-        sums_.weight_and_slope += w + loss.slope_times_length(s) / 2.0;
-        sums_.pull += (w * s) * (w * s);
-        sums_.num_pulling += w > 0.0 ? 1 : 0;
-        lengths_.push_back(s);
+        set_weight(sights.index[i], lengths[i]);
+        costs.add(lengths[i], lengths[i] <= most_of_inliers_);
       }
     });
-    Costs costs;
-    for (std::size_t i = 0; i < lengths_.size(); ++i) {
-      const double s = lengths_[i];
-      costs.robust += loss.cost(s);
-      costs.plain += s * s;
-      costs.of_inliers += s <= most ? s * s : 0.0;
+    return costs.made_infinite();
+  }
+
+  void set_residuals(const Sights& sights, const double* residuals) {
+    double depths[Sights::most_points];
+    Camera_rows::depths(sights, found_, depths);
+    for (std::size_t i = 0; i < sights.num_points; ++i) {
+      double* to = &result_.residuals[sights.d * sights.index[i]];
+      for (std::size_t k = 0; k < sights.d; ++k) to[k] = residuals[sights.row(i, k)];
+      result_.num_behind += sights.d == 2 && depths[i] <= 0.0 ? 1 : 0;
     }
-    if (!std::isfinite(costs.robust)) costs.robust = std::numeric_limits<double>::infinity();
-    return costs;
+  }
+
+  void set_weight(std::size_t i, double s) {
+    const double w = outcome_.loss.weight(s);
+    const bool is_inlier = !(s > most_of_inliers_);
+    result_.is_inlier[i] = is_inlier ? 1 : 0;
+    result_.num_inliers += is_inlier ? 1 : 0;
+    sums_.weight_and_slope += w + outcome_.loss.slope_times_length(s) / 2.0;
+    sums_.pull += (w * s) * (w * s);
+    sums_.num_pulling += w > 0.0 ? 1 : 0;
+    lengths_.push_back(s);
   }
 
   void set_exit() {
     constexpr double half = 0.5;
+    const bool has_come_to_end = result_.exit != Refine_exit::max_iterations && result_.exit != Refine_exit::stopped;
     if (result_.exit == Refine_exit::no_cost) return;
     if (!is_determined_) {
       result_.exit = Refine_exit::undetermined;
-    } else if (result_.num_behind > 0 &&
+    } else if (has_come_to_end && result_.num_behind > 0 &&
                Pose_cost(input_.data, input_.rows).part_behind(input_.data.world().from_users(found_)) > half) {
       result_.exit = Refine_exit::behind;
     }
   }
 
-  const Report_input& input_;
+  const Refine_input& input_;
   const Descent_outcome& outcome_;
+  const double most_of_inliers_;
   Pose found_;
   Point_sums sums_;
   std::vector<double> lengths_;  // of the residuals of the result
@@ -168,7 +195,7 @@ class Reporter {
 
 }  // namespace
 
-Refine_result report(const Report_input& input, const Descent_outcome& outcome) {
+Refine_result report(const Refine_input& input, const Descent_outcome& outcome) {
   return Reporter(input, outcome).run();
 }
 

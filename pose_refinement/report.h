@@ -3,22 +3,22 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "pose_refinement/descent.h"
+#include "pose_refinement/refine_input.h"
 
 namespace kelvane {
 
-/// What a refinement is told about, in one place.
-struct Report_input {
-  const Refine_problem& problem;
-  const Refine_options& options;
-  const Observed_points& data;
-  const Camera_rows& rows;
-  Pose start;  ///< with the rotation next to the problem's
+/// What the iteration came to.
+struct Descent_outcome {
+  Refine_exit exit;
+  Robust_loss loss;  ///< with the scale in the end
+  std::vector<Descent_entry> history;
 };
 
 /// The result in the caller's world.
-Refine_result report(const Report_input& input, const Descent_outcome& outcome);
+Refine_result report(const Refine_input& input, const Descent_outcome& outcome);
 
 /// The sums over the points of a result that its covariance and message need.
 struct Point_sums {
@@ -27,12 +27,12 @@ struct Point_sums {
   std::size_t num_pulling = 0;    ///< with w above 0
 };
 
-/// Sets covariance, noise_sigma and is_determined: docs/derivations.md, Eqs. 43 to 45. `lengths` are those of the
-/// residuals; they change places.
-bool set_covariance(const Report_input& input, const Robust_loss& loss, const Point_sums& sums,
+/// Sets covariance and noise_sigma (docs/derivations.md, Eqs. 43 to 45); true where the points determine the pose.
+/// `lengths` are those of the residuals; they change places.
+bool set_covariance(const Refine_input& input, const Robust_loss& loss, const Point_sums& sums,
                     std::vector<double>& lengths, Refine_result& result);
 
 /// Why the refinement ended, in words.
-std::string exit_message(const Report_input& input, const Refine_result& result, const Point_sums& sums);
+std::string exit_message(const Refine_input& input, const Refine_result& result, const Point_sums& sums);
 
 }  // namespace kelvane

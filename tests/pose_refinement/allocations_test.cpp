@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "mex_host.h"
-#include "pose_refinement/refine.h"
+#include "pose_refinement/refine_tasks.h"
 #include "support/refined_problems.h"
 #include "trust/failing_memory.h"
 
@@ -86,6 +86,29 @@ TEST_P(Allocations, FailInOneOfMany) {
     }
   });
   EXPECT_GT(count, 5);
+}
+
+/// Left after each iteration: the first one fails, or goes on.
+TEST_P(Allocations, FailInATaskThatIsLeft) {
+  const auto problem = problem_of_scene();
+  const Refine_problem view = problem.view();
+  const kelvane::Refine_options options;
+  const long count = refuse_each(GetParam(), [&](const trust::Failing_memory& memory) {
+    try {
+      std::vector<kelvane::Refine_task> tasks(1);
+      tasks[0].problem = &view;
+      tasks[0].options = &options;
+      while (!tasks[0].is_over) run_tasks(tasks, 1, kelvane::Deadline::min());
+      EXPECT_EQ(tasks[0].error.has_value(), memory.has_failed());
+      if (tasks[0].error) {
+        EXPECT_STREQ(tasks[0].error->identifier(), "memory");
+      }
+      EXPECT_TRUE(tasks[0].state.empty());
+    } catch (const std::bad_alloc&) {
+      EXPECT_TRUE(memory.has_failed());
+    }
+  });
+  EXPECT_GT(count, 30);
 }
 
 INSTANTIATE_TEST_SUITE_P(All, Allocations, testing::Values(trust::Shortage::once, trust::Shortage::lasting));

@@ -73,6 +73,24 @@ TEST_P(Covariance, IsTheScatterOfRefinements) {
   }
 }
 
+/// With known noise an outlier tells nothing: the covariance is that of the other points.
+TEST(CovarianceOfKnownNoise, LeavesOutliersOut) {
+  support::Random random(78);
+  Refine_options options;
+  options.loss = Loss::tukey;
+  options.loss_scale = 5.0;
+  options.noise_sigma = 1.0;
+  Refined_problem problem = support::random_scene(random, 40, false, 0.0);
+  Refined_problem others = problem;
+  others.points.resize(3 * 25);
+  others.observations.resize(2 * 25);
+  for (std::size_t i = 2 * 25; i < 2 * 40; ++i) problem.observations[i] += 200.0;
+  const Refine_result result = refine(problem.view(), options);
+  const Refine_result expected = refine(others.view(), options);
+  EXPECT_EQ(result.num_inliers, 25U);
+  for (int i = 0; i < 6; ++i) EXPECT_NEAR(result.covariance[i][i] / expected.covariance[i][i], 1.0, 1e-6) << i;
+}
+
 std::string name_of(const testing::TestParamInfo<std::tuple<bool, Loss, bool>>& info) {
   const char* names[] = {"NoLoss", "Huber", "Cauchy", "Tukey"};
   return std::string(std::get<0>(info.param) ? "Directions" : "Pixels") +

@@ -65,11 +65,12 @@ TEST(Pose, RefusesWhatIsNoRotation) {
   const auto told = [](const auto& form) {
     return support::caught_by([&] { pose_of(form, Pose_frame::world_from_camera); }).text;
   };
-  EXPECT_EQ(told(kelvane::Quaternion_pose{}), "The quaternion has the length 0: it is no rotation.");
+  EXPECT_EQ(told(kelvane::Quaternion_pose{}),
+            "A quaternion of length 0 is no rotation; without a turn it is 1 and three zeros.");
   EXPECT_EQ(told(kelvane::Rotation_vector_pose{{0, NAN, 0}, {}}),
-            "the rotation vector[1] is not finite. All entries must be finite numbers.");
+            "the rotation vector[1] is NaN. All of it must be finite numbers.");
   EXPECT_EQ(told(kelvane::Rotation_vector_pose{{}, {0, 0, INFINITY}}),
-            "the translation[2] is not finite. All entries must be finite numbers.");
+            "the translation[2] is Inf. All of it must be finite numbers.");
   EXPECT_NE(told(kelvane::Matrix_pose{}).find("is not a rotation"), std::string::npos);
 }
 
@@ -101,15 +102,17 @@ TEST(CameraModel, IsMadeFromEveryForm) {
             (std::vector<double>{500, 2, 320, 510, 240, 0}));
   EXPECT_EQ(numbers(kelvane::direction_camera())[5], 1.0);
   EXPECT_EQ(support::caught_by([] { kelvane::pixel_camera(0, 1, 1); }).text,
-            "camera: a focal length of 0 sees everything in one place.");
-  EXPECT_EQ(support::caught_by([] {
-              kelvane::pixel_camera({{500, 0, 0}, {0, 500, 0}, {320, 240, 1}});
-            }).text,
-            "K looks transposed: the principal point is in the last row. Hand over its transpose.");
+            "A focal length of 0 sees everything in one place.");
+  EXPECT_EQ(
+      support::caught_by([] {
+        kelvane::pixel_camera({{500, 0, 0}, {0, 500, 0}, {320, 240, 1}});
+      }).text,
+      "K looks transposed: the principal point is in the last row. MATLAB's IntrinsicMatrix has it there; hand over "
+      "its transpose.");
   EXPECT_EQ(support::caught_by([] {
               kelvane::pixel_camera({{500, 0, 320}, {1, 500, 240}, {0, 0, 1}});
             }).text,
-            "K must be upper triangular with K[2][2] other than 0.");
+            "K must be upper triangular, and its last entry other than 0.");
 }
 
 }  // namespace

@@ -1,10 +1,17 @@
 # SPDX-License-Identifier: BSD-3-Clause
 # Tests of the refinement for daily use.
 kelvane_add_test(pose_refinement/pose)
+kelvane_add_test(pose_refinement/bad_argument)
 kelvane_add_test(pose_refinement/refine)
+kelvane_add_test(pose_refinement/refinement)
+kelvane_add_test(pose_refinement/refinement_state)
+kelvane_add_test(pose_refinement/refine_tasks)
 kelvane_add_test(pose_refinement/refine_many)
 kelvane_add_test(pose_refinement/reference)
 kelvane_add_test(pose_refinement/hostile_problems)
 kelvane_add_test(pose_refinement/covariance)
+kelvane_add_test(pose_refinement/sight_kernels)
+kelvane_add_test(pose_refinement/threads)
+target_link_options(pose_refinement_threads_test PRIVATE LINKER:--wrap=pthread_create,--wrap=pthread_join)
 kelvane_add_test(pose_refinement/allocations mex_host ${CMAKE_DL_LIBS})
 target_sources(pose_refinement_allocations_test PRIVATE trust/failing_memory.cpp)

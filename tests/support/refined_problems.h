@@ -4,6 +4,7 @@
 
 #include <cmath>
 #include <cstddef>
+#include <cstring>
 #include <filesystem>
 #include <string>
 #include <utility>
@@ -108,7 +109,8 @@ inline std::vector<double> numbers_of(const kelvane::Refine_result& result) {
                              result.after.plain,
                              result.after.inliers,
                              static_cast<double>(result.num_left_out),
-                             static_cast<double>(result.num_behind)};
+                             static_cast<double>(result.num_behind),
+                             static_cast<double>(result.num_inliers)};
   const auto append = [&all](const kelvane::Pose& pose) {
     all.insert(all.end(), &pose.rotation[0][0], &pose.rotation[0][0] + 9);
     all.insert(all.end(), pose.centre, pose.centre + 3);
@@ -122,6 +124,14 @@ inline std::vector<double> numbers_of(const kelvane::Refine_result& result) {
     all.insert(all.end(), {step.rms, step.turn, step.shift});
   }
   return all;
+}
+
+/// NaN is NaN, and 0 is not -0.
+inline bool have_same_bits(const kelvane::Refine_result& a, const kelvane::Refine_result& b) {
+  const std::vector<double> first = numbers_of(a);
+  const std::vector<double> second = numbers_of(b);
+  return first.size() == second.size() && a.message == b.message &&
+         std::memcmp(first.data(), second.data(), first.size() * sizeof(double)) == 0;
 }
 
 }  // namespace support

@@ -1,0 +1,23 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// The kernels over residuals, compiled for AVX2.
+#include "pose_refinement/sight_kernels.h"
+
+// All below is compiled for it, and nothing of it can be seen by other sources. No option of the compiler does this: it
+// would count for what is included above, too.
+#ifdef __clang__
+#pragma clang attribute push(__attribute__((target("avx2"))), apply_to = function)
+#else
+#pragma GCC target("avx2")
+#endif
+#include "pose_refinement/sight_kernels_body.h"
+
+namespace kelvane {
+
+extern const Sight_kernels sight_kernels_avx2;
+const Sight_kernels sight_kernels_avx2 = sight_kernels_of_width<4>;
+
+}  // namespace kelvane
+
+#ifdef __clang__
+#pragma clang attribute pop
+#endif
