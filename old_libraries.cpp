@@ -1,9 +1,14 @@
 // SPDX-License-Identifier: BSD-3-Clause
-// What new C++ headers call in libraries, and old ones do not have yet: so a module built here loads where glibc is
-// that of 2012 and libstdc++ that of GCC 5. MATLAB brings a libstdc++ of its own, which can be years older than the
-// compiler. Nobody outside the module sees these.
+// What is called in new libraries, and old ones do not have yet: so a module built here loads where glibc is that of
+// 2012 and libstdc++ that of GCC 5. MATLAB brings a libstdc++ of its own, which can be years older than the compiler.
+// Nobody outside the module sees these.
+#include <pthread.h>
+
+#include <cerrno>
+#include <cmath>
 #include <cstdlib>
 #include <new>
+#include <stdexcept>
 
 #ifdef __GLIBCXX__
 
@@ -19,6 +24,10 @@ namespace std {  // NOLINT(cert-dcl58-cpp): named by the library
 void __throw_bad_array_new_length() { throw std::bad_array_new_length(); }
 }  // namespace std
 
+// GLIBCXX_3.4.26: a logic_error is moved, its constructor for a base class. To copy it does the same.
+void move_logic_error(void* to, const std::logic_error& from) noexcept asm("_ZNSt11logic_errorC2EOS_");
+void move_logic_error(void* to, const std::logic_error& from) noexcept { new (to) std::logic_error(from); }
+
 // CXXABI_1.3.11: memory for objects that begin on a cache line.
 void* operator new(std::size_t size, std::align_val_t alignment) {
   const auto unit = static_cast<std::size_t>(alignment);
@@ -29,4 +38,39 @@ void* operator new(std::size_t size, std::align_val_t alignment) {
 void operator delete(void* memory, std::align_val_t /*alignment*/) noexcept { std::free(memory); }
 void operator delete(void* memory, std::size_t /*size*/, std::align_val_t /*alignment*/) noexcept { std::free(memory); }
 
+#endif
+
+#if defined __GLIBC__ && defined __x86_64__
+
+// glibc keeps functions under the versions that they first had, and the linker takes the newest: led back to the first.
+asm(".symver first_exp, exp@GLIBC_2.2.5");      // GLIBC_2.29
+asm(".symver first_log, log@GLIBC_2.2.5");      // GLIBC_2.29
+asm(".symver first_hypot, hypot@GLIBC_2.2.5");  // GLIBC_2.35
+extern "C" {
+double first_exp(double x);
+double first_log(double x);
+double first_hypot(double x, double y);
+double exp(double x) noexcept { return first_exp(x); }
+double log(double x) noexcept { return first_log(x); }
+double hypot(double x, double y) noexcept { return first_hypot(x, y); }
+}
+
+#if __GLIBC_PREREQ(2, 34)
+
+// Before, these were in a library of their own, which is in the process where the host has threads; weak, so that a
+// host without them loads the module.
+asm(".symver first_pthread_create, pthread_create@GLIBC_2.2.5");
+asm(".symver first_pthread_join, pthread_join@GLIBC_2.2.5");
+extern "C" {
+__attribute__((weak)) decltype(pthread_create) first_pthread_create;
+__attribute__((weak)) decltype(pthread_join) first_pthread_join;
+int pthread_create(pthread_t* thread, const pthread_attr_t* attributes, void* (*run)(void*), void* argument) noexcept {
+  return first_pthread_create == nullptr ? EAGAIN : first_pthread_create(thread, attributes, run, argument);
+}
+int pthread_join(pthread_t thread, void** value) {
+  return first_pthread_join == nullptr ? ESRCH : first_pthread_join(thread, value);
+}
+}
+
+#endif
 #endif

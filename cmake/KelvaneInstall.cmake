@@ -49,12 +49,12 @@ install(FILES "${PROJECT_BINARY_DIR}/kelvaneConfig.cmake" "${PROJECT_BINARY_DIR}
         DESTINATION "${package_folder}" COMPONENT library)
 install(FILES "${PROJECT_SOURCE_DIR}/LICENSE" DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT library)
 
-# The functions for daily use, without those that build the module and the list of all;
+# The functions for daily use, without those that build the modules and the list of all;
 # kelvane_demo looks for the examples in there.
 set(module_folder "${CMAKE_INSTALL_LIBDIR}/kelvane/octave")
-foreach(module IN ITEMS kelvane_mex_octave kelvane_mex_matlab)
-  if(TARGET ${module})
-    install(TARGETS ${module} DESTINATION "${module_folder}" COMPONENT module)
+foreach(host IN ITEMS octave matlab)
+  if(TARGET kelvane_${host})
+    install(TARGETS kelvane_mex_${host} kelvane_engine_${host} DESTINATION "${module_folder}" COMPONENT module)
     set(has_module TRUE)
   endif()
 endforeach()

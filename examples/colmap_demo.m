@@ -1,14 +1,12 @@
-% COLMAP_DEMO  Refine all poses of a COLMAP model, on two processes.
+% COLMAP_DEMO  Refine all poses of a COLMAP model, on all processors.
 %
 %   colmap_demo(folder)
 %   colmap_demo(folder, model)
-%   colmap_demo(folder, model, num_processes)
 %
 %   Reads the model in the folder model, moves every pose by 2 degrees and 3 % of its distance to the points, refines all
 %   of them with Huber's loss, and prints a table. Without a model a small one of our own making is used: 12 photographs of
 %   a house, in folder for as long as it is needed. Saves colmap.png in folder, which must exist: the model with its cameras
-%   before and after. Needs kelvane_batch, and Octave's package parallel or MATLAB's Parallel Computing Toolbox for more
-%   than one process. No screen is needed.
+%   before and after. Needs kelvane_batch. No screen is needed.
 %
 %   Example
 %     colmap_demo('.');
@@ -17,7 +15,7 @@
 
 % SPDX-License-Identifier: BSD-3-Clause
 % A whole model from file to picture.
-function colmap_demo(folder, model, num_processes)
+function colmap_demo(folder, model)
   quiet = picture_toolkit(); %#ok<NASGU>
   if nargin < 2 || isempty(model)
     model = tempname(folder);
@@ -28,29 +26,12 @@ function colmap_demo(folder, model, num_processes)
     removing = onCleanup(@() remove_model(model)); %#ok<NASGU>
     write_house_model(model);
   end
-  if nargin < 3
-    num_processes = 2;
-  end
   problems = disturbed(kelvane_read_colmap(model));
   timer = tic;
-  results = batch_of(problems, num_processes);
+  results = kelvane_batch(problems, 'Loss', 'huber', 'Progress', 'line');
   fprintf('%d poses in %.2f s\n', numel(problems), toc(timer));
   print_results(problems, results);
   plot_model(problems, results, fullfile(folder, 'colmap.png'));
-end
-
-% On one process where more cannot be had.
-function results = batch_of(problems, num_processes)
-  options = struct('Loss', 'huber', 'Progress', 'line');
-  try
-    results = kelvane_batch(problems, 'Processes', num_processes, options);
-  catch caught
-    if ~strcmp(caught.identifier, 'kelvane:noParallel')
-      rethrow(caught);
-    end
-    fprintf('One after the other: %s\n', caught.message);
-    results = kelvane_batch(problems, options);
-  end
 end
 
 % Each pose turned by 2 degrees and moved by 3 % of its distance, another way for each.
@@ -78,16 +59,10 @@ function print_results(problems, results)
     known = problems(k).start_of_file;
     turn = 2 * asin(min(1, norm(pose.rotation - known.rotation, 'fro') / sqrt(8))) * 180 / pi;
     shift = 100 * norm(pose.centre - known.centre) / norm(known.centre - mean(problems(k).points, 2));
+    info = results(k).info;
     fprintf('%-*s %7d %12.3f %12.3f %11d %11.4f %10.4f\n', width, results(k).name, size(problems(k).points, 2), ...
-            plain_rms(results(k).info.history(1).pose, problems(k)), plain_rms(pose, problems(k)), ...
-            results(k).info.iterations, turn, shift);
+            info.rms_plain_before, info.rms_plain_after, info.iterations, turn, shift);
   end
-end
-
-% Without the loss.
-function rms = plain_rms(pose, problem)
-  seen = kelvane_project(pose, problem.points, problem.intrinsics);
-  rms = sqrt(mean(sum((seen - problem.observations).^2, 1)));
 end
 
 function remove_model(model)

@@ -2,7 +2,7 @@
 %
 % Refinement
 %   kelvane_refine         - Refine a camera pose until it is still, with weights, robust losses and the uncertainty of the result.
-%   kelvane_batch          - Refine many camera poses, in as many processes as wanted.
+%   kelvane_batch          - Refine many camera poses, on all processors or machines.
 %   kelvane_mex            - Refine a camera pose from 3D points and their observations.
 %
 % Files
@@ -22,6 +22,6 @@
 %   kelvane_check_gradient - Compare the derivatives in kelvane_mex with differences of its prediction, at your own pose.
 %
 % Building
-%   kelvane_build          - Compile kelvane_mex with the host's own mex.
+%   kelvane_build          - Compile kelvane_mex and kelvane_engine with the host's own mex.
 %
 % SPDX-License-Identifier: BSD-3-Clause

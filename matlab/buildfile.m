@@ -1,5 +1,5 @@
 % SPDX-License-Identifier: BSD-3-Clause
-% Tasks of MATLAB's build tool, from R2022b on: "buildtool" in this folder compiles the module and runs the tests in MATLAB.
+% Tasks of MATLAB's build tool, from R2022b on: "buildtool" in this folder compiles the modules and runs the tests in MATLAB.
 function plan = buildfile()
   plan = buildplan(localfunctions());
   plan("test").Dependencies = "mex";
@@ -8,7 +8,7 @@ function plan = buildfile()
 end
 
 function mexTask(~)
-% Compile kelvane_mex beside its help
+% Compile kelvane_mex and kelvane_engine beside their help
   kelvane_build();
 end
 
@@ -38,7 +38,7 @@ function packageTask(context)
 end
 
 function number = project_version(project)
-  text = fileread(fullfile(project, 'kelvane_mex.build'));
+  text = fileread(fullfile(project, 'kelvane.build'));
   number = regexp(text, '^version: ([\d.]+)', 'tokens', 'once', 'lineanchors');
   number = number{1};
 end

@@ -1,32 +1,40 @@
-% KELVANE_BATCH  Refine many camera poses, in as many processes as wanted.
+% KELVANE_BATCH  Refine many camera poses, on all processors or machines.
 %
 %   results = kelvane_batch(problems)
 %   results = kelvane_batch(problems, name, value, ...)
 %   kelvane_batch(problems, ...)
 %
-%   Calls kelvane_refine for each problem. An error in one is told in its result and leaves the others alone. The results
-%   do not depend on the number of processes, to the last bit. Without an output a table is printed.
+%   Does for each problem what kelvane_refine does. An error in one is told in its result and leaves the others alone. The
+%   results are those of kelvane_refine, to the last bit, whatever the number of threads or processes. Without an output a
+%   table is printed.
 %
 %   Inputs:
-%     problems  struct array, or cell of structs, as kelvane_read_colmap and kelvane_read_bal return it, with the fields
+%     problems  struct array, or cell with a struct for each problem, as kelvane_read_colmap and kelvane_read_bal return
+%               it, with the fields
 %       start, points, observations, intrinsics  the inputs of kelvane_refine, in its sizes, units and frames
 %       name                                     text for the table, by default the number of the problem
 %       options                                  options of kelvane_refine for this problem alone, a struct
 %     Other fields are not looked at.
 %
 %   Options, by name in any capitals, or as a struct:
-%     'Processes'    how many processes to run, default 1: one problem after the other, in this one. The engines 'serial' and
-%                    'parfor' do not look at it.
-%     'Engine'       what runs them:
-%                      'auto'        (default) the one below that Connections, Processes and the host ask for
-%                      'serial'      this process
+%     'Threads'      how many threads of this process refine, 1 or more; default 0: as many as the machine runs at once
+%     'Processes'    how many other processes to run, where they are asked for; default 1
+%     'Engine'       what refines:
+%                      'auto'        (default) threads, unless Connections or more than one of Processes are asked for
+%                      'threads'     threads of this process
+%                      'serial'      one of them
 %                      'parcellfun'  Octave: processes on this machine; needs the package parallel (octave-parallel)
 %                      'netcellfun'  Octave: the servers of Connections, from the same package
-%                      'parfor'      MATLAB: the current pool, which may be that of a cluster. In Octave parfor runs one
-%                                    problem after the other.
+%                      'parfor'      MATLAB: the current pool, which may be that of a cluster, whatever Processes says. In
+%                                    Octave parfor runs in this process.
 %     'Connections'  what pconnect returned; each server runs as many processes as it has processors (see network_set)
 %     'Progress'     'auto' (default): a bar where there is a screen, otherwise a line; 'bar', 'line' or 'off'
-%     All options of kelvane_refine, for every problem that has none of its own.
+%     All options of kelvane_refine, for every problem that has none of its own. With 'Display' or 'OutputFcn' a problem is
+%     refined in this process, one after the other.
+%
+%   Threads are the fastest: nothing is copied or sent. Other processes get the problems in groups. One of them that dies
+%   costs the problems of its group an error, kelvane:lostProcess; all other results come. Where the servers of Connections
+%   are lost, processes of this machine take over, with a warning.
 %
 %   results is a 1 x n struct array with the fields
 %     name                             that of the problem
@@ -34,13 +42,13 @@
 %     exitflag, rms_before, rms_after  from info; NaN after an error
 %     error, identifier                the error's message and identifier, '' without one
 %
-%   Servers of Octave must run the same version of the package, and find this folder and that of the built module under the
-%   same names as here, on a shared disk. pserver starts one. Debian's cannot switch off authentication through pserver's
+%   Servers of Octave must run the same version of the package, and find the folder of the built module under the same name
+%   as here, on a shared disk. pserver starts one. Debian's cannot switch off authentication through pserver's
 %   options, and has none: start octave-pserver --octave-binary=... --no-auth on each machine instead, as an ordinary user,
 %   in a network of your own: whoever reaches its ports can run anything.
 %
 %   MATLAB's pools of threads refuse MEX files: open one of processes, parpool('Processes'). Workers on other machines
-%   get the files with addAttachedFiles(gcp, {folder of kelvane, kelvane_mex.mexa64}). (By MATLAB's documents; not run.)
+%   get the module with addAttachedFiles(gcp, {'kelvane_engine.mexa64'}). (By MATLAB's documents; not run.)
 %
 %   Example:
 %     points = [-1 1 1 -1 0 0.5; -1 -1 1 1 0 0.3; 0 0.2 0 0.4 1 -0.5];
@@ -66,67 +74,101 @@ function results = kelvane_batch(problems, varargin)
   if nargin < 1
     error('kelvane:inputs', 'kelvane_batch needs problems, a struct array.');
   end
-  problems = list_of_problems(problems);
   [batch, options] = batch_options(varargin);
-  switch batch.Engine
-    case 'serial'
-      engine = @(some) cellfun(@(problem) refined_row(problem, options), some, 'UniformOutput', false);
-    case 'parcellfun'
-      engine = @(some) rows_by_parcellfun(some, options, batch.Processes);
-    case 'netcellfun'
-      engine = @(some) rows_by_netcellfun(some, options, batch.Connections);
-    case 'parfor'
-      engine = @(some) rows_by_parfor(some, options);
-  end
-  rows = in_rounds(engine, problems, batch);
-  results = [rows{:}];
-  if isempty(results)
-    results = struct('name', {}, 'pose', {}, 'info', {}, 'exitflag', {}, 'rms_before', {}, 'rms_after', {}, 'error', {}, ...
-                     'identifier', {});
-  end
+  [problems, results] = batch_problems(problems, options);
+  results = in_rounds(problems, results, options, batch);
   if nargout == 0
-    print_batch(results);
+    print_results(results);
     clear results
   end
 end
 
 % The problems in rounds, with a look at the progress after each: about ten of them, so that waiting for the last of a
 % round costs little.
-function rows = in_rounds(engine, problems, batch)
+function results = in_rounds(problems, results, options, batch)
   n = numel(problems);
   size_of_round = n;
   if ~strcmp(batch.Progress, 'off')
     size_of_round = max(batch.Processes, ceil(n / 10));
   end
-  rows = cell(1, n);
   show = batch_progress(batch.Progress, n);
   for first = 1:max(1, size_of_round):n
     last = min(n, first + size_of_round - 1);
-    rows(first:last) = engine(problems(first:last));
-    show(last, sum(cellfun(@(row) ~isempty(row.error), rows(1:last))));
+    k = first:last;
+    [results(k), batch] = refined(problems(k), results(k), options, batch);
+    show(last, sum(~cellfun('isempty', {results(1:last).error})));
   end
 end
 
-% A cell of structs with all fields that a refinement needs and a name.
-function problems = list_of_problems(problems)
-  if isstruct(problems)
-    problems = num2cell(problems);
+% What has no error yet: here and one after the other where it is watched, since callbacks belong to this process.
+function [results, batch] = refined(problems, results, options, batch)
+  own = [problems.options];
+  if isempty(own)
+    own = repmat(options, 1, numel(problems));
   end
-  if ~iscell(problems) || ~all(cellfun(@isstruct, problems(:)))
-    error('kelvane:problems', 'problems must be a struct array or a cell of structs; this is of class %s.', class(problems));
+  is_watched = ~cellfun('isempty', {own.OutputFcn}) | ~strcmp({own.Display}, 'off');
+  is_open = cellfun('isempty', {results.error});
+  for k = find(is_open & is_watched)
+    results(k) = watched(problems(k), results(k), own(k));
   end
-  problems = reshape(problems, 1, []);
-  for k = 1:numel(problems)
-    needed = {'start', 'points', 'observations', 'intrinsics'};
-    missing = find(~isfield(problems{k}, needed), 1);
-    if ~isempty(missing)
-      error('kelvane:problems', 'problems(%d) has no field ''%s''.', k, needed{missing});
+  k = find(is_open & ~is_watched);
+  if isempty(k)
+    return;
+  elseif strcmp(batch.Engine, 'threads')
+    [rows, batch] = rows_by_threads(problems(k), options, batch);
+  else
+    [rows, batch] = rows_by_processes(problems(k), options, batch);
+  end
+  rows = rmfield(rows, 'state');
+  [rows.name] = results(k).name;
+  results(k) = with_objects(orderfields(rows, results), own(k));
+end
+
+function result = watched(problem, result, options)
+  try
+    [result.pose, result.info] = kelvane_refine(problem.start, problem.points, problem.observations, problem.intrinsics, ...
+                                                options);
+    result.exitflag = result.info.exitflag;
+    result.rms_before = result.info.rms_before;
+    result.rms_after = result.info.rms_after;
+  catch caught
+    result = failed(result, caught);
+  end
+end
+
+% Poses in the form of MATLAB's objects.
+function results = with_objects(results, options)
+  forms = {options.OutputForm};
+  is_default = cellfun('isempty', forms);
+  forms(is_default) = {options(is_default).PoseForm};
+  for k = find(strcmp(forms, 'rigidtform3d') & cellfun('isempty', {results.error}))
+    try
+      results(k).pose = written_pose(results(k).pose, forms{k});
+    catch caught
+      results(k) = failed(results(k), caught);
     end
-    if ~isfield(problems{k}, 'name') || isempty(problems{k}.name)
-      problems{k}.name = sprintf('%d', k);
-    end
-    problems{k}.name = checked_text(problems{k}.name, sprintf('problems(%d).name', k));
   end
+end
+
+function result = failed(result, caught)
+  result = struct('name', result.name, 'pose', [], 'info', [], 'exitflag', NaN, 'rms_before', NaN, 'rms_after', NaN, ...
+                  'error', caught.message, 'identifier', caught.identifier);
+end
+
+% A table, a line for each problem.
+function print_results(results)
+  width = max([7, cellfun(@numel, {results.name})]);
+  fprintf('%-*s %8s %12s %12s %10s  %s\n', width, 'problem', 'points', 'RMS before', 'RMS after', 'iterations', 'ended');
+  for row = results
+    if isempty(row.error)
+      fprintf('%-*s %8d %12.5g %12.5g %10d  %s\n', width, row.name, size(row.info.points, 2), row.rms_before, ...
+              row.rms_after, row.info.iterations, row.info.message);
+    else
+      fprintf('%-*s %8s %12s %12s %10s  %s\n', width, row.name, '', '', '', '', row.error);
+    end
+  end
+  failed = sum(~cellfun(@isempty, {results.error}));
+  fprintf('%d of %d converged, %d with an error.\n', sum([results.exitflag] > 0), numel(results), failed);
 end
 
 %!function problems = some_problems(n)
@@ -151,8 +193,14 @@ end
 %!          [info.exitflag, info.rms_before, info.rms_after]);
 %!   assert({results(k).name, results(k).error}, {sprintf('%d', k), ''});
 %! end
-%! assert(isequal(kelvane_batch(problems, 'Progress', 'off', 'MaxIterations', 3, 'Engine', 'parfor'), results));
+%! for engine = {'threads', 'serial', 'parfor'}
+%!   assert(isequal(kelvane_batch(problems, 'Progress', 'off', 'MaxIterations', 3, 'Engine', engine{1}), results));
+%! end
 %! assert(isequal(kelvane_batch(num2cell(problems)', 'Progress', 'off', 'MaxIterations', 3), results));
+%! different = num2cell(problems);
+%! different{2}.name = '2';
+%! different{4}.more = 1;
+%! assert(isequal(kelvane_batch(different, 'Progress', 'off', 'MaxIterations', 3), results));
 
 %!test  % an error stays in its row, with its identifier
 %! problems = some_problems(4);
@@ -172,10 +220,6 @@ end
 %! assert([results(1).info.iterations, results(2).info.iterations], [2, 0]);
 %! assert(isstruct(results(1).pose) && iscell(results(2).pose));
 
-%!test  % no problems, no results; still with the fields
-%! results = kelvane_batch(struct([]), 'Progress', 'off');
-%! assert(isempty(results) && isfield(results, 'rms_after'));
-
 %!test  % the line of progress ends with all problems and counts errors; the table has a line for each
 %! problems = some_problems(12);
 %! problems(3).intrinsics = [];
@@ -192,11 +236,14 @@ end
 %!error <needs problems> kelvane_batch()
 %!error <problems must be a struct array or a cell of structs; this is of class double> kelvane_batch(1:3)
 %!error <problems\(2\) has no field 'intrinsics'> kelvane_batch({some_problems(1), rmfield(some_problems(1), 'intrinsics')})
+%!error <problems\{2\} is a struct array of size 1 x 3; a cell holds one problem> kelvane_batch({some_problems(1), some_problems(3)})
+%!error <problems\{1\} is a struct array of size 0 x 0> kelvane_batch({struct([])})
 %!error <problems\(1\).name must be a text; this is of class double> kelvane_batch(setfield(some_problems(1), 'name', 7))
 %!error <Connections must be what pconnect returned> kelvane_batch(some_problems(1), 'Connections', 2)
 %!error <'Proceses' is not an option of kelvane_batch. Did you mean 'Processes'> kelvane_batch(some_problems(1), 'Proceses', 2)
 %!error <'hubert' is not a loss> kelvane_batch(some_problems(1), 'Loss', 'hubert')
 %!error <StepTolerance must be a number of 0 or more> kelvane_batch(some_problems(1), 'StepTolerance', -1)
+%!error <Threads must be a whole number of 0 or more> kelvane_batch(some_problems(1), 'Threads', -1)
 %!error <Processes must be a whole number of 1 or more> kelvane_batch(some_problems(1), 'Processes', 1.5)
 %!error <The engine netcellfun needs Connections> kelvane_batch(some_problems(1), 'Engine', 'netcellfun')
 %!error <is not an engine. Did you mean 'parcellfun'> kelvane_batch(some_problems(1), 'Engine', 'parcelfun')

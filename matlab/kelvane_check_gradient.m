@@ -7,7 +7,8 @@
 %
 %   kelvane_mex does not hand out its Jacobian J, but a step of it is the pseudoinverse of J times what the target is off:
 %   one call for each equation gives the pseudoinverse, and its pseudoinverse is J. Differences of the prediction, with a
-%   fourth-order stencil of step 3e-4, need no derivative. Without an output the comparison is printed.
+%   fourth-order stencil of step 3e-4 (of the distance of the nearest point for the centre), need no derivative. Without an
+%   output the comparison is printed.
 %
 %   Inputs:
 %     pose        as for kelvane_project
@@ -15,13 +16,14 @@
 %     intrinsics  [f cx cy] or a 3 x 3 K with equal focal lengths and no skew; [] for bearings
 %
 %   Options:
-%     'RotationType'            as for kelvane_refine
+%     'RotationType'            number, name or title of kelvane_types, by default 'rotation vector'
 %     'PoseForm', 'PoseFrame'   as for kelvane_project
 %
 %   Outputs:
 %     error_of_J  largest difference of the two as a part of the largest derivative, along the directions that move the
-%                 camera: below 1e-7 where all is well. Type 3 fails by nature. Types -1 and -2 fail at a pose without
-%                 rotation, where one of their derivatives does not exist; type -1 up to 1e-3 rad, where it loses its digits.
+%                 camera, shifts counted in the distance of the points: below 1e-7 where all is well, in any unit. Type 3
+%                 fails by nature. Types -1 and -2 fail at a pose without rotation, where one of their derivatives does
+%                 not exist; type -1 up to 1e-3 rad, where it loses its digits.
 %     J           derivatives of the module, one row for each equation (for hybrid types three times), one column for each
 %                 element of the search vector [r, t]
 %     J_numeric   the same by differences
@@ -49,68 +51,105 @@ function [error_of_J, J, J_numeric] = kelvane_check_gradient(pose, points, intri
   end
   defaults = struct('RotationType', [], 'PoseForm', '', 'PoseFrame', '');
   options = parse_options('kelvane_check_gradient', defaults, varargin);
-  pose = pose_of_input(pose, options);
-  points = some_of(read_points(points));
-  camera = read_intrinsics(intrinsics);
-  if camera.A(1, 1) ~= camera.A(2, 2) || camera.A(1, 2) ~= 0
-    error('kelvane:intrinsics', 'kelvane_mex has one focal length and no skew: there is no such derivative to check.');
-  end
-  type = read_type(options.RotationType, camera.bearing);
-  x = [rotation_entries(type.representation, pose.rotation), pose.centre'];
-  J_numeric = kron(ones(type.blocks, 1), numeric_jacobian(type, camera, points, x));
-  J = recovered_jacobian(type, camera, points, x);
+  [pose, points, K] = scene_of(pose, points, intrinsics, options);
+  type = type_of(options.RotationType, isempty(K));
+  unit = sqrt(mean(sum((points - pose.centre).^2, 1)));  % of length: derivatives by turns and shifts are then of one size
+  points = points / unit;
+  pose.centre = pose.centre / unit;
+  x = kelvane_pose(pose, type.representation, 'world_from_camera');
+  J_numeric = kron(ones(type.blocks, 1), numeric_jacobian(type, K, points, x));
+  J = recovered_jacobian(type, K, points, x, prediction(type, K, points, x));
   moving = directions_that_move(type, x);
   error_of_J = max(max(abs((J - J_numeric) * moving))) / max(max(abs(J_numeric * moving)));
+  to_users = [ones(1, numel(x) - 3), 1 / unit, 1 / unit, 1 / unit] * unit^isempty(K);  % bearings are lengths, too
+  J = J .* to_users;
+  J_numeric = J_numeric .* to_users;
   if nargout == 0
     print_comparison(type, (J - J_numeric) * moving, J_numeric * moving, error_of_J);
     clear error_of_J;
   end
 end
 
-function points = some_of(points)
-  most = 20;
-  n = size(points, 2);
+% The pose as a struct, 3 x n points, of many some that are spread over them, and the 3 x 3 K, [] for bearings.
+function [pose, points, K] = scene_of(pose, points, intrinsics, options)
+  [pose, form] = plain_pose(pose, form_name(options.PoseForm));
+  pose = call_engine('pose', pose, form, frame_name(options.PoseFrame));
+  intrinsics = plain_object(intrinsics, 'cameraIntrinsics');
+  seen = kelvane_project(pose, points, intrinsics);
+  n = size(seen, 2);
   if n < 4
-    error('kelvane:tooFewPoints', 'Four points are the least for every type; there are %d.', n);
+    verbs = {'is', 'are'};
+    error('kelvane:tooFewPoints', 'Four points are the least for every type; there %s %d.', verbs{1 + (n ~= 1)}, n);
   end
-  points = points(:, unique(round(linspace(1, n, min(n, most)))));
+  points = full(double(points));
+  if size(points, 1) ~= 3
+    points = points';
+  end
+  points = points(:, unique(round(linspace(1, n, min(n, 20)))));
+  K = matrix_of(intrinsics);
+  if ~isempty(K) && (K(1, 1) ~= K(2, 2) || K(1, 2) ~= 0)
+    error('kelvane:intrinsics', 'kelvane_mex has one focal length and no skew: there is no such derivative to check.');
+  end
 end
 
-function seen = prediction(type, camera, points, x)
-  R = rotation_of_entries(type.representation, x(1:type.rotation_size));
-  p = camera_points(R, x(end - 2:end)', points);
-  seen = p;  % the module does not bring bearings to unit length
-  if ~camera.bearing
-    seen = predicted(camera, p);
+% From where a camera in the world's own frame sees three points at depth 1: the columns of K, added to the last.
+function K = matrix_of(intrinsics)
+  K = [];
+  seen = kelvane_project(eye(4), [1 0 0; 0 1 0; 1 1 1], intrinsics, 'PoseFrame', 'world_from_camera');
+  if size(seen, 1) == 2
+    K = [seen(:, 1:2) - seen(:, 3), seen(:, 3); 0, 0, 1];
   end
 end
 
-function J = numeric_jacobian(type, camera, points, x)
-  step = 3e-4;
-  J = zeros(numel(prediction(type, camera, points, x)), numel(x));
+% which is a number, a short name, one of the words for the rotation that serve pixels and bearings alike, or [] for the
+% rotation vector.
+function type = type_of(which, bearing)
+  words = {'rotation vector', 'axis and angle', 'quaternion'};
+  if isempty(which)
+    which = words{1};
+  end
+  if ~isnumeric(which)
+    types = kelvane_types();
+    which = one_of(which, [words, {types.name}], 'kelvane:rotationType', 'rotation type');
+  end
+  if any(strcmp(which, words))
+    which = find(strcmp(which, words)) - 1 + 10 * bearing;
+  end
+  type = kelvane_types(which);
+  if type.bearing ~= bearing
+    kinds = {'pixels', 'bearing vectors'};
+    error('kelvane:typeMismatch', 'Rotation type %d (%s) predicts %s, but the observations are %s.', type.number, ...
+          type.name, kinds{1 + type.bearing}, kinds{1 + bearing});
+  end
+end
+
+% The module does not bring bearings to unit length.
+function seen = prediction(type, K, points, x)
+  pose = kelvane_pose(x, type.representation, 'world_from_camera');
+  seen = pose.rotation' * (points - pose.centre);
+  if ~isempty(K)
+    seen = K(1, 1) * seen(1:2, :) ./ seen(3, :) + K(1:2, 3);
+  end
+end
+
+% The steps go with the distance, or depth, of the nearest point, which sees most of them.
+function J = numeric_jacobian(type, K, points, x)
+  points = points - x(end - 2:end)';  % the digits of a far origin are none of the steps'
+  x(end - 2:end) = 0;
+  p = prediction(type, [], points, x);
+  distance = sqrt(sum(p.^2, 1));
+  near = distance;
+  if ~isempty(K)
+    near = abs(p(3, :));
+  end
+  steps = 3e-4 * [repmat(min(near ./ distance), 1, numel(x) - 3), repmat(min(near), 1, 3)];
+  J = zeros((3 - ~isempty(K)) * size(points, 2), numel(x));
   for k = 1:numel(x)
     for stencil = [-2, -1, 1, 2; 1 / 12, -2 / 3, 2 / 3, -1 / 12]
       moved = x;
-      moved(k) = moved(k) + stencil(1) * step;
-      J(:, k) = J(:, k) + stencil(2) / step * reshape(prediction(type, camera, points, moved), [], 1);
+      moved(k) = moved(k) + stencil(1) * steps(k);
+      J(:, k) = J(:, k) + stencil(2) / steps(k) * reshape(prediction(type, K, points, moved), [], 1);
     end
-  end
-end
-
-% The blocks of a hybrid type are told apart by giving weight to one at a time.
-function J = recovered_jacobian(type, camera, points, x)
-  seen = prediction(type, camera, points, x);
-  push = max(camera.A(1, 1), 1);  % steps of about 1 keep the digits of small ones
-  J = zeros(0, numel(x));
-  for block = 1:type.blocks
-    weights = kron(double((1:type.blocks) == block), ones(1, numel(seen)));
-    inverse = zeros(numel(x), numel(seen));
-    for k = 1:numel(seen)
-      target = seen;
-      target(k) = target(k) + push;
-      inverse(:, k) = (stepped(type, x, [camera.A(1, 1), camera.c'], points, target, weights, false) - x)' / push;
-    end
-    J = [J; pinv(inverse, 1e-9 * norm(inverse))]; %#ok<AGROW>
   end
 end
 
@@ -169,8 +208,38 @@ end
 %! for type = [0, 1, 2, -3]
 %!   assert(error_at([0 0 0], type), 0, 1e-7);
 %! end
-%! assert(error_at([1e-4 0 0], -1) > 1e-7);
+%! assert(error_at([3e-5 0 0], -1) > 1e-7);
 %! assert([error_at([1e-3 0 0], -1), error_at([1e-4 0 0], -2)], [0, 0], 1e-7);
+
+%!test  % in any unit of length, far from the origin as well, for every type but 3
+%! R = some_pose().rotation;
+%! for unit = [1e-6, 1, 1e6, 1e9]
+%!   for origin = {[0; 0; 0], [300; -700; 50]}
+%!     pose = struct('rotation', R, 'centre', unit * (some_pose().centre + origin{1}));
+%!     points = unit * (some_points() + origin{1});
+%!     for type = kelvane_types()([1:3, 5:end])
+%!       intrinsics = {[500 320 240], []};
+%!       [e, J] = kelvane_check_gradient(pose, points, intrinsics{1 + type.bearing}, 'RotationType', type.number);
+%!       assert(e, 0, 1e-9);
+%!       if type.bearing
+%!         by_centre = -kron(ones(6, 1), R');
+%!       else
+%!         [~, by_motion] = kelvane_project(pose, points, intrinsics{1});
+%!         by_centre = kron(ones(type.blocks, 1), by_motion(:, 4:6));
+%!       end
+%!       assert(J(:, end - 2:end), by_centre, 1e-8 * max(abs(by_centre(:))));  % in the user's unit
+%!     end
+%!   end
+%! end
+
+%!test  % points near the camera and far from it, and almost beside it
+%! R = some_pose().rotation;
+%! points = R * [0.01 -3 40 200 1 -20; 0.02 2 -30 50 2 10; 0.03 0.1 90 9 0.05 700];
+%! pose = struct('rotation', R, 'centre', [0; 0; 0]);
+%! for type = [0, 1, 2]
+%!   assert(kelvane_check_gradient(pose, points, [800 0 0], 'RotationType', type), 0, 1e-7);
+%!   assert(kelvane_check_gradient(pose, points, [], 'RotationType', type + 10), 0, 1e-7);
+%! end
 
 %!test  % the blocks of a hybrid type are looked at one by one: here the quaternion's has the opposite sign
 %! pose = kelvane_pose([-2.5 0.1 0.2, 3 0 3], 'rotation_vector', 'world_from_camera');
@@ -184,7 +253,8 @@ end
 %! assert(numel(strfind(text, "\n")), 9);
 %! assert(~isempty(strfind(text, 'They agree.')));
 
-%!error <Four points are the least> kelvane_check_gradient(some_pose(), eye(3), [500 0 0])
+%!error <Four points are the least for every type; there are 3> kelvane_check_gradient(some_pose(), eye(3), [500 0 0])
+%!error <Four points are the least for every type; there is 1> kelvane_check_gradient(some_pose(), [1; 2; 3], [500 0 0])
 %!error <one focal length and no skew> kelvane_check_gradient(some_pose(), some_points(), [5 0 0; 0 6 0; 0 0 1])
 %!error <one focal length and no skew> kelvane_check_gradient(some_pose(), some_points(), [5 1 0; 0 5 0; 0 0 1])
 %!error <predicts bearing vectors, but the observations are pixels> kelvane_check_gradient(some_pose(), some_points(), [5 0 0], 'RotationType', 10)

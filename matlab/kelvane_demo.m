@@ -20,8 +20,8 @@
 %     types       the seven rotation types for pixels racing on one view
 %     outliers    a fifth of the corners in wrong places, with and without a robust loss
 %     bearings    a wide-angle camera, some directions more than 90 degrees off its axis
-%     colmap      a whole COLMAP model, read from its files and refined on two processes
-%     convergence all ten rotation types on six photographs of a chessboard
+%     colmap      a whole COLMAP model, read from its files and refined on all processors
+%     convergence the seven rotation types for pixels on six photographs of a chessboard
 %     conventions the frames, the image and directions, drawn from one pose
 %
 %   See also kelvane_refine, kelvane_batch, kelvane_plot, kelvane_mex.
@@ -61,8 +61,8 @@ function demos = all_demos()
           'types', 'the seven rotation types for pixels racing on one view', {'chessboard_all_types.png'}
           'outliers', 'a fifth of the corners in wrong places, with and without a robust loss', {'outliers.png'}
           'bearings', 'a wide-angle camera, some directions more than 90 degrees off its axis', {'bearings.png'}
-          'colmap', 'a whole COLMAP model, read from its files and refined on two processes', {'colmap.png'}
-          'convergence', 'all ten rotation types on six photographs of a chessboard', {'convergence_of_types.png'}
+          'colmap', 'a whole COLMAP model, read from its files and refined on all processors', {'colmap.png'}
+          'convergence', 'the seven rotation types for pixels on six photographs of a chessboard', {'convergence_of_types.png'}
           'conventions', 'the frames, the image and directions, drawn from one pose', ...
           {'conventions_bearings.png', 'conventions_frames.png', 'conventions_pixels.png'}};
   demos = struct('name', list(:, 1), 'what', list(:, 2), 'pictures', list(:, 3));

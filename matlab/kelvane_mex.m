@@ -88,7 +88,7 @@
 % SPDX-License-Identifier: BSD-3-Clause
 % Help of the compiled function, which takes precedence over this file in the same folder.
 function x = kelvane_mex(varargin) %#ok<STOUT>
-  error('kelvane:notBuilt', ['The compiled function kelvane_mex (.mex or .mexa64) is not on the path. Build it by ' ...
+  error('kelvane:notBuilt', ['The compiled function %s (.mex or .mexa64) is not on the path. Build it by ' ...
         'kelvane_build, or by "cmake --preset release" and "cmake --build --preset release" and then addpath the folder ' ...
-        'build/release, so that it comes before this one.']);
+        'build/release, so that it comes before this one.'], 'kelvane_mex');
 end

@@ -201,5 +201,6 @@ end
 %!error <needs the info that kelvane_refine returns> kelvane_plot(3)
 %!error <needs the info that kelvane_refine returns> kelvane_plot()
 %!error <needs the info that kelvane_refine returns> kelvane_plot(some_info([500 320 240]), 'rms', 'after')
-%!error <'late' is not a kind of picture. Did you mean> kelvane_plot(some_info([500 320 240]), 'late')
+%!error <'late' is not a kind of picture. There are 'before', > kelvane_plot(some_info([500 320 240]), 'late')
+%!error <'aftre' is not a kind of picture. Did you mean 'after'> kelvane_plot(some_info([500 320 240]), 'aftre')
 %!error <One axes has place for one picture> kelvane_plot(0, some_info([500 320 240]))

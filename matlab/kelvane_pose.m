@@ -55,26 +55,28 @@ function result = kelvane_pose(value, form, frame, new_form, new_frame)
   if nargin < 1
     error('kelvane:inputs', 'kelvane_pose needs a pose, its form and its frame.');
   end
+  if nargin < 2
+    form = '';
+  end
   if nargin < 3
     frame = '';
   end
-  if nargin < 2
-    form = guessed_form(value);
+  if nargin < 4
+    new_form = '';
   end
-  [form, frame] = form_and_frame(form, frame);
-  writes = nargin <= 3 && isstruct(value) && isfield(value, 'centre');
-  if writes
-    result = write_pose(read_pose(value, 'pose', 'world_from_camera'), form, frame);
-    return;
+  if nargin < 5
+    new_frame = '';
   end
-  result = read_pose(value, form, frame);
-  if nargin > 3
-    if nargin < 5
-      new_frame = '';
-    end
-    [new_form, new_frame] = form_and_frame(new_form, new_frame);
-    result = write_pose(result, new_form, new_frame);
+  if nargin <= 3 && isstruct(value) && isfield(value, 'centre')
+    new_form = form;
+    new_frame = frame;
+    form = 'pose';
+    frame = '';
   end
+  new_form = form_name(new_form);
+  [value, form] = plain_pose(value, form_name(form));
+  result = call_engine('pose', value, form, frame_name(frame), new_form, frame_name(new_frame));
+  result = written_pose(result, new_form);
 end
 
 %!function R = turn(axis, angle)
@@ -151,6 +153,10 @@ end
 %!error <always 'camera_from_world'> kelvane_pose({[0 0 0], [0 0 0]}, 'opencv', 'world_from_camera')
 %!error <It looks transposed> kelvane_pose([eye(3), [0;0;0]; 1 2 3 1], 'matrix4x4', 'camera_from_world')
 %!error <Did you mean 'colmap'> kelvane_pose({[1 0 0 0], [0 0 0]}, 'kolmap')
+%!error <'foo' is not a form of a pose. There are 'matrix4x4', > kelvane_pose(eye(4), 'foo')
+%!error <'tform' is not a form of a pose. There are> kelvane_pose(eye(4), 'tform')
+%!error <Did you mean 'quaternion_xyzw'> kelvane_pose(eye(4), 'quaternion_xyw')
+%!error <'up' is not a frame. There are> kelvane_pose(eye(4), 'matrix4x4', 'up')
 %!error <Did you mean 'world_from_camera'> kelvane_pose(eye(4), 'matrix4x4', 'world')
 %!error <Seven numbers can be> kelvane_pose([0 0 0 1 0 0 0])
 %!error <must be a vector of 6 elements; this is 1 x 5> kelvane_pose(1:5, 'rotation_vector', 'world_from_camera')

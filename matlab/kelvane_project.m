@@ -7,7 +7,7 @@
 %   Inputs:
 %     pose        struct of kelvane_pose, or any of its forms, named by 'PoseForm' and 'PoseFrame'
 %     points      3 x N or N x 3 world points; 3 x 3 are columns
-%     intrinsics  [f cx cy], 3 x 3 K or cameraIntrinsics without distortion; [] for unit bearing vectors
+%     intrinsics  [f cx cy], [fx fy cx cy], 3 x 3 K or cameraIntrinsics without distortion; [] for unit bearing vectors
 %
 %   Options:
 %     'PoseForm'   form of the pose, needed where its size leaves a doubt
@@ -15,7 +15,8 @@
 %
 %   Outputs:
 %     seen   2 x N pixels (u; v), or 3 x N unit directions in the camera frame. A point behind the camera has a pixel too:
-%            where the line through it and the centre meets the image. In the plane of the centre it is infinite or NaN.
+%            where the line through it and the centre meets the image. In the plane of the centre, or too near to it for
+%            its depth to be more than rounding, it is NaN. So is the direction of a point at the centre.
 %     J      2 N x 6 or 3 N x 6: derivatives of seen(:) by [w; dt], w a rotation vector in the camera frame (radians;
 %            world_from_camera becomes R * expm of the cross matrix of w) and dt a shift of the centre (world unit)
 %     depth  1 x N, along the optical axis, world unit; negative behind the camera
@@ -37,14 +38,13 @@ function [seen, J, depth] = kelvane_project(pose, points, intrinsics, varargin)
     error('kelvane:inputs', 'kelvane_project needs pose, points and intrinsics ([] for bearing vectors).');
   end
   options = parse_options('kelvane_project', struct('PoseForm', '', 'PoseFrame', ''), varargin);
-  pose = pose_of_input(pose, options);
-  points = read_points(points);
-  camera = read_intrinsics(intrinsics);
-  p = camera_points(pose.rotation, pose.centre, points);
-  seen = predicted(camera, p);
-  depth = p(3, :);
+  options.PoseFrame = frame_name(options.PoseFrame);
+  [pose, options.PoseForm] = plain_pose(pose, form_name(options.PoseForm));
+  inputs = {'project', pose, points, plain_object(intrinsics, 'cameraIntrinsics'), options};
   if nargout > 1
-    J = tangent_jacobian(camera, pose.rotation, p);
+    [seen, J, depth] = call_engine(inputs{:});
+  else
+    seen = call_engine(inputs{:});
   end
 end
 
@@ -64,6 +64,8 @@ end
 %! assert(pixels, q(1:2, :) ./ q(3, :), -1e-12);
 %! assert(depth, q(3, :), 1e-14);
 %! assert(kelvane_project(pose, points', -2 * some_matrix()), pixels, -1e-12);
+%! K = [700 0 300; 0 650 250; 0 0 1];
+%! assert(kelvane_project(pose, points, [700 650 300 250]), kelvane_project(pose, points, K));
 %! bearings = kelvane_project(pose, points, []);
 %! p = some_matrix() \ q;
 %! assert(bearings, p ./ sqrt(sum(p.^2)), 1e-14);
@@ -109,7 +111,7 @@ end
 %!error <K looks transposed> kelvane_project(some_pose(), [1;2;3], some_matrix()')
 %!error <upper triangular> kelvane_project(some_pose(), [1;2;3], ones(3))
 %!error <focal length of 0> kelvane_project(some_pose(), [1;2;3], [0 1 2])
-%!error <this is 1 x 4> kelvane_project(some_pose(), [1;2;3], 1:4)
+%!error <this is 1 x 5> kelvane_project(some_pose(), [1;2;3], 1:5)
 %!error <struct has no FocalLength> kelvane_project(some_pose(), [1;2;3], struct('f', 1))
 %!error <points\(2, 1\) is NaN> kelvane_project(some_pose(), [1;NaN;3], [1 0 0])
 %!error <'Frame' is not an option of kelvane_project. Did you mean 'PoseFrame'> kelvane_project(eye(4), [1;2;3], [], 'Frame', 'x')

@@ -44,8 +44,8 @@ function problems = kelvane_read_bal(file)
                     'image_size', {}, 'point_ids', {});
   for k = size(cameras, 2):-1:1
     c = cameras(:, k);
-    Q = flip * rotation_of_vector(c(1:3)');  % rows 2 and 3 negated: z forward, y down
-    pose = read_pose({Q, flip * c(4:6)}, 'rotation_translation', 'camera_from_world');
+    T = kelvane_pose(c(1:6), 'rotation_vector', 'camera_from_world', 'matrix3x4', 'camera_from_world');
+    pose = kelvane_pose(flip * T, 'matrix3x4', 'camera_from_world');  % rows 2 and 3 negated: z forward, y down
     own = seen(:, seen(1, :) == k - 1);
     problems(k) = view_problem(sprintf('camera %d', k - 1), k - 1, pose, points(:, own(2, :) + 1), [1; -1] .* own(3:4, :), ...
                                diag([c(7), c(7), 1]), c(8:9)', [], own(2, :));

@@ -22,7 +22,7 @@
 %   Output:
 %     type 10: rotation vector, 3 entries
 %
-%   See also kelvane_refine, kelvane_mex, kelvane_check_gradient.
+%   See also kelvane_mex, kelvane_check_gradient, kelvane_refine.
 
 % SPDX-License-Identifier: BSD-3-Clause
 % The table of rotation types, for programs and for people.
@@ -89,3 +89,4 @@ end
 
 %!error <no rotation type 4> kelvane_types(4)
 %!error <'quu' is not a rotation type. Did you mean 'qu'\?> kelvane_types('quu')
+%!error <'xyz' is not a rotation type. There are 'aau', > kelvane_types('xyz')

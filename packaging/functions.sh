@@ -14,7 +14,7 @@ if [ -z "${KELVANE_PACKAGING:-}" ]; then
 fi
 umask 022  # the modes of what is installed are part of the bits
 
-version=$(sed -n 's/^version: //p' kelvane_mex.build)
+version=$(sed -n 's/^version: //p' kelvane.build)
 
 # Whoever owns the folder: these are the sources whose scripts are running.
 project_git() { git -c safe.directory='*' "$@"; }
@@ -43,13 +43,14 @@ stage() {
   copy_listed "$staged"
 }
 
-# stage_module FOLDER: all that the module is built from
-stage_module() {
+# stage_sources FOLDER: all that the modules are built from
+stage_sources() {
   # shellcheck disable=SC2046 # names of folders
-  stage "$1" LICENSE kelvane_mex.* old_libraries.cpp $(sed -n 's/^folders: //p' kelvane_mex.build)
+  stage "$1" LICENSE kelvane.build kelvane.map kelvane_mex.cpp kelvane_engine.cpp old_libraries.cpp \
+    $(module_folders)
 }
 
-# stage_functions FOLDER: the m-files for daily use with their demos, without what builds the module
+# stage_functions FOLDER: the m-files for daily use with their demos, without what builds the modules
 stage_functions() {
   (cd matlab && stage "$1" .)
   stage "$1" examples

@@ -59,6 +59,9 @@ alone() {
   export KELVANE_ALONE="$waits_at"
 }
 
+# module_folders: those whose sources the modules are made of
+module_folders() { sed -nE 's/^(both|kelvane_[a-z]+): //p' kelvane.build | tr '\n' ' '; }
+
 # renew FILE FOLDER: puts a picture of the pages there in place of an older one
 renew() {
   cp "$1" build/.new

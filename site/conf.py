@@ -10,7 +10,7 @@ sys.path.insert(0, str(here))
 
 project = "kelvane"
 author = "the kelvane developers"
-release = re.search(r"^version: ([\d.]+)", (here.parent / "kelvane_mex.build").read_text(), re.M)[1]
+release = re.search(r"^version: ([\d.]+)", (here.parent / "kelvane.build").read_text(), re.M)[1]
 version = release
 html_title = f"kelvane {release}"
 

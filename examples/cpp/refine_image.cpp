@@ -11,18 +11,15 @@ int main() {
                                       0,  0,  1, 0.5, 0.3, -0.5, -0.5, 0.6, 0.1, 0.3, -0.8, 0.7};
   const std::vector<double> pixels = {148.7, 128.7, 536.7, 121.4, 562.1, 522.4, 174.8, 504.1,  // u, v of each
                                       353.9, 311.8, 465.6, 392.7, 700.0, 20.0,  399.2, 176.5};
-  const kelvane::Rotation_vector_pose start{{0.02, -0.03, 0.01}, {0.2, -0.1, -3.8}};
+  const auto frame = kelvane::Pose_frame::world_from_camera;
+  const kelvane::Pose start = pose_of(kelvane::Rotation_vector_pose{{0.02, -0.03, 0.01}, {0.2, -0.1, -3.8}}, frame);
 
   kelvane::Refine_options options;
   options.loss = kelvane::Loss::huber;  // the last but one pixel is an outlier
-  const kelvane::Refine_result result = kelvane::refine(
-      {pose_of(start, kelvane::Pose_frame::world_from_camera), points, pixels, kelvane::pixel_camera(800, 320, 240)},
-      options);
+  const auto result = kelvane::refine({start, points, pixels, kelvane::pixel_camera(800, 320, 240)}, options);
 
-  const auto [r, centre] = rotation_vector_of(result.pose, kelvane::Pose_frame::world_from_camera);
-  std::printf("%s\nRMS of %zu inliers: %.2f pixels\n", result.message.c_str(), result.num_inliers,
-              result.after.inliers);
-  for (int i = 0; i < 3; ++i) std::printf("r%d %9.5f +- %.5f\n", i, r[i], std::sqrt(result.covariance[i][i]));
-  for (int i = 0; i < 3; ++i)
-    std::printf("t%d %9.5f +- %.5f\n", i, centre[i], std::sqrt(result.covariance[3 + i][3 + i]));
+  std::printf("%s RMS of %zu inliers: %.2f pixels\n", result.message.c_str(), result.num_inliers, result.after.inliers);
+  const auto [r, t] = rotation_vector_of(result.pose, frame);
+  const auto sigma = [&](int i) { return std::sqrt(result.covariance[i][i]); };
+  for (int i = 0; i < 3; ++i) std::printf("%9.5f +- %.5f   %9.5f +- %.5f\n", r[i], sigma(i), t[i], sigma(3 + i));
 }

@@ -1,16 +1,15 @@
 % SPDX-License-Identifier: BSD-3-Clause
-% Draws how the RMS of each view comes down to the least one, a panel for each type and a line for each view, and saves
-% the picture. Curves end at the rounding of the RMS.
-function plot_types(infos, types, least, file)
+% Draws how far the RMS of each view is above the least one, types x iterations x views, as a part of it: a panel for each
+% type and a line for each view. Saves the picture. Curves end at the rounding of the RMS.
+function plot_types(above, types, file)
   colors = [0, 0.45, 0.70; 0.84, 0.37, 0; 0, 0.62, 0.45; 0.35, 0.35, 0.35; 0.80, 0.47, 0.65; 0.90, 0.62, 0];
   f = new_picture(4);
   for k = 1:numel(types)
-    column = mod(k - 1, 5);
-    row = floor((k - 1) / 5);
-    axes('position', [0.075 + 0.187 * column, 0.60 - 0.465 * row, 0.155, 0.325]);
-    for i = 1:size(infos, 2)
-      above = ([infos(k, i).history.rms] - least(k, i)) / least(k, i);
-      draw_curve(above, colors(i, :));
+    column = mod(k - 1, 4);
+    row = floor((k - 1) / 4);
+    axes('position', [0.085 + 0.235 * column, 0.60 - 0.465 * row, 0.195, 0.325]);
+    for i = 1:size(above, 3)
+      draw_curve(above(k, :, i), colors(i, :));
     end
     hold off;
     frame_panel(types(k), row, column);
@@ -38,7 +37,7 @@ function frame_panel(type, row, column)
   set(gca, 'box', 'on', 'xtick', 0:2:8, 'ytick', 10.^exponents, 'yticklabel', labels, 'ygrid', 'on', ...
       'yminorgrid', 'off', 'gridcolor', [0.4, 0.4, 0.4]);
   title(sprintf('%d  %s', type.number, type.name));
-  if row == 1
+  if row == 1 || type.number == 3
     xlabel('iteration');
   end
   if column == 0

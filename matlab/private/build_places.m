@@ -1,8 +1,8 @@
 % SPDX-License-Identifier: BSD-3-Clause
 % Where mex finds and leaves things, a struct of folders: project, with the sources; objects, a new one for what is compiled;
-% output, that of the module, in which name, without an extension, is what it is called until it is whole. Octave's mex hands
-% its inputs to a shell, twice, so that a blank or a quote in a folder's name would end it: there project and output are to
-% be links in the folder objects.
+% output, that of the modules, where suffix stands behind the name of each until all are whole. Octave's mex hands its inputs
+% to a shell, twice, so that a blank or a quote in a folder's name would end it: there project and output are to be links in
+% the folder objects.
 function places = build_places(host, project, output)
   if strcmp(host, 'octave')
     parent = tempdir();
@@ -16,5 +16,5 @@ function places = build_places(host, project, output)
     objects = tempname();
   end
   [~, random] = fileparts(objects);
-  places = struct('project', project, 'objects', objects, 'output', output, 'name', ['kelvane_mex_', random]);
+  places = struct('project', project, 'objects', objects, 'output', output, 'suffix', ['_', random]);
 end

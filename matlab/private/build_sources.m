@@ -1,11 +1,15 @@
 % SPDX-License-Identifier: BSD-3-Clause
-% The module's sources, a 1 x N cell of files relative to the folder project, and the options that each is compiled with, words
-% in a row: as kelvane_mex.build says, which CMake reads, too.
-function [sources, options] = build_sources(project)
-  text = fileread(fullfile(project, 'kelvane_mex.build'));
-  sources = {};
-  for folder = [{'.'}, words_behind(text, 'folders')]
-    sources = [sources, sources_in(project, folder{1})]; %#ok<AGROW>
+% What kelvane.build says, which CMake reads, too: modules, a struct array with the name of each and its sources, a 1 x N cell of
+% files relative to the folder project; and the options that each source is compiled with, words in a row.
+function [modules, options] = build_sources(project)
+  text = fileread(fullfile(project, 'kelvane.build'));
+  modules = struct('name', {'kelvane_mex', 'kelvane_engine'}, 'sources', []);
+  for i = 1:numel(modules)
+    sources = {[modules(i).name, '.cpp'], 'old_libraries.cpp'};
+    for folder = [words_behind(text, 'both'), words_behind(text, modules(i).name)]
+      sources = [sources, sources_in(project, folder{1})]; %#ok<AGROW>
+    end
+    modules(i).sources = sources;
   end
   options = [words_behind(text, 'options'), words_behind(text, 'optimisation')];
 end
@@ -23,8 +27,5 @@ function files = sources_in(project, folder)
     listed = dir(fullfile(project, folder));
     files = {listed.name};
   end
-  files = sort(files(~cellfun('isempty', regexp(files, '\.cpp$'))));
-  if ~strcmp(folder, '.')
-    files = strcat(folder, '/', files);
-  end
+  files = strcat(folder, '/', sort(files(~cellfun('isempty', regexp(files, '\.cpp$')))));
 end

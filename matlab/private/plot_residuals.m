@@ -1,10 +1,8 @@
 % SPDX-License-Identifier: BSD-3-Clause
 % Draws where the points of a refinement's info were observed and where a pose sees them.
 function drawn = plot_residuals(target, info, pose, rms, name)
-  camera = read_intrinsics(info.intrinsics);
-  seen = predicted(camera, camera_points(pose.rotation, pose.centre, info.points));
-  observed = in_picture(camera, info.observations);
-  seen = in_picture(camera, seen);
+  observed = in_picture(info.observations);
+  seen = in_picture(kelvane_project(pose, info.points, info.intrinsics));
   lines = cat(3, observed, seen, NaN(size(seen)));
   lines = reshape(permute(lines, [1, 3, 2]), 2, []);
   good = info.inliers;
@@ -12,7 +10,7 @@ function drawn = plot_residuals(target, info, pose, rms, name)
   drawn.observed = plot(target, observed(1, good), observed(2, good), 'o', 'color', [0, 0.45, 0.70], 'markersize', 4);
   drawn.outliers = plot(target, observed(1, ~good), observed(2, ~good), 's', 'color', [0.8, 0.2, 0.5], 'markersize', 4);
   drawn.predicted = plot(target, seen(1, :), seen(2, :), 'x', 'color', [0.84, 0.37, 0], 'markersize', 4);
-  if camera.bearing
+  if isempty(info.intrinsics)
     draw_right_angle(target, observed);
     axis_names = {'right (degrees off the axis)', 'down (degrees off the axis)'};
     unit = 'rad';
@@ -29,9 +27,9 @@ function drawn = plot_residuals(target, info, pose, rms, name)
 end
 
 % Pixels stay; directions become the angle from the optical axis along the way that they point to.
-function xy = in_picture(camera, seen)
+function xy = in_picture(seen)
   xy = seen(1:2, :);
-  if camera.bearing
+  if size(seen, 1) == 3
     across = sqrt(sum(xy.^2, 1));
     degrees = atan2(across, seen(3, :)) * 180 / pi;
     xy = xy .* (degrees ./ max(across, realmin));

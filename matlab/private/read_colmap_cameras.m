@@ -2,9 +2,9 @@
 % The cameras of COLMAP's cameras.txt, 1 x n structs: id, image_size, K (3 x 3) and radial, the two coefficients of the
 % distortion.
 function cameras = read_colmap_cameras(file)
-  lines = lines_of_file(file);
+  [lines, has_data] = lines_of_file(file);
   cameras = struct('id', {}, 'image_size', {}, 'K', {}, 'radial', {});
-  for k = find(rows_of_data(lines))
+  for k = find(has_data)
     camera = camera_of_line(lines{k}, file, k);
     if any([cameras.id] == camera.id)
       file_error(file, k, 'there are two cameras %d.', camera.id);

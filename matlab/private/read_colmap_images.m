@@ -2,9 +2,8 @@
 % The images of COLMAP's images.txt, 1 x n structs: id, name, pose (struct of kelvane_pose), camera (its id), pixels (2 x m)
 % and point_ids (1 x m, -1 where no point belongs to a pixel), line (where it stands).
 function images = read_colmap_images(file)
-  lines = lines_of_file(file);
+  [lines, has_data] = lines_of_file(file);
   images = struct('id', {}, 'name', {}, 'pose', {}, 'camera', {}, 'pixels', {}, 'point_ids', {}, 'line', {});
-  has_data = rows_of_data(lines);
   k = 1;
   while k <= numel(lines)
     if ~has_data(k)
@@ -28,7 +27,7 @@ function image = image_of_lines(header, pixels, file, k)
   if norm(v(2:5)) < 1e-10
     file_error(file, k, 'the quaternion of image %d has the length 0.', v(1));
   end
-  pose = read_pose({v(2:5), v(6:8)}, 'colmap', 'camera_from_world');
+  pose = kelvane_pose({v(2:5), v(6:8)}, 'colmap');
   seen = numbers_in_line(pixels, file, k + 1);
   if mod(numel(seen), 3) ~= 0
     file_error(file, k + 1, 'the pixels of image %d come as X, Y and POINT3D_ID; here are %d numbers.', v(1), numel(seen));

@@ -1,8 +1,8 @@
 % SPDX-License-Identifier: BSD-3-Clause
 % The ids (1 x n) and positions (3 x n) of the points of COLMAP's points3D.txt.
 function [ids, positions] = read_colmap_points(file)
-  lines = lines_of_file(file);
-  rows = find(rows_of_data(lines));
+  [lines, has_data] = lines_of_file(file);
+  rows = find(has_data);
   values = zeros(4, numel(rows));
   for i = 1:numel(rows)
     v = numbers_in_line(lines{rows(i)}, file, rows(i));

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "fuzz/byte_source.h"
+#include "fuzz/hostile_number.h"
 #include "mex_host.h"
 #include "trust/good_call.h"
 #include "trust/hostile_arrays.h"
@@ -47,11 +48,11 @@ class Spoiled_call {
       case 0:  // one entry
         if (!array.values.empty()) {
           double& entry = array.values[(bytes.byte() * std::size_t{256} + bytes.byte()) % array.values.size()];
-          entry = number(bytes, entry);
+          entry = hostile_number(bytes, entry);
         }
         break;
       case 1:  // all entries
-        array.values.assign(array.values.size(), number(bytes, 1.0));
+        array.values.assign(array.values.size(), hostile_number(bytes, 1.0));
         break;
       case 2:  // another class
         array.class_name = trust::other_classes[bytes.choice(trust::other_classes.size())];
@@ -66,26 +67,10 @@ class Spoiled_call {
         array.rows = bytes.choice(max_size);
         array.columns = bytes.choice(max_size);
         // A new vector, so that there is nothing behind its last entry.
-        array.values = std::vector<double>(array.rows * array.columns, number(bytes, 1.0));
+        array.values = std::vector<double>(array.rows * array.columns, hostile_number(bytes, 1.0));
         break;
       default:  // one array at two positions
         inputs_[position] = &arrays_[bytes.choice(arrays_.size())];
-    }
-  }
-
-  /// A value from the table, any bit pattern, a small whole number, or the old value changed a little or a lot.
-  static double number(Byte_source& bytes, double old) {
-    const std::size_t kind = bytes.choice(trust::hostile_values.size() + 4);
-    if (kind < trust::hostile_values.size()) return trust::hostile_values[kind].value;
-    switch (kind - trust::hostile_values.size()) {
-      case 0:
-        return bytes.raw_double();
-      case 1:
-        return static_cast<double>(bytes.byte()) - 128.0;
-      case 2:
-        return old + (static_cast<double>(bytes.byte()) - 128.0) * 1e-3;
-      default:
-        return old * static_cast<double>(bytes.byte());
     }
   }
 

@@ -26,14 +26,30 @@ classdef RefineTest < matlab.unittest.TestCase
       test.verifyEqual(kelvane_mex(camera, points, pixels), truth, 'AbsTol', 1e-9);
     end
 
-    function every_pixel_type_of_use_arrives(test)
+    function pixels_arrive(test)
       [start, points, pixels, truth] = RefineTest.scene();
-      for type = [0 1 2 -1 -2 -3]
-        [pose, info] = kelvane_refine(start, points, pixels, [500 320 240], 'PoseFrame', 'world_from_camera', ...
-                                      'RotationType', type);
-        test.verifyEqual(pose, truth, 'AbsTol', 1e-9);
-        test.verifyGreaterThan(info.exitflag, 0);
+      [pose, info] = kelvane_refine(start, points, pixels, [500 320 240], 'PoseFrame', 'world_from_camera');
+      test.verifyEqual(pose, truth, 'AbsTol', 1e-9);
+      test.verifyGreaterThan(info.exitflag, 0);
+    end
+
+    function the_derivatives_of_every_type_of_use_are_right(test)
+      [start, points] = RefineTest.scene();
+      for type = kelvane_types()
+        intrinsics = {[500 320 240], []};
+        e = kelvane_check_gradient(start, points, intrinsics{1 + type.bearing}, 'PoseFrame', 'world_from_camera', ...
+                                   'RotationType', type.number);
+        test.verifyEqual(e < 1e-7, type.number ~= 3);
       end
+    end
+
+    function errors_are_those_of_the_function_that_was_called(test)
+      [start, points, pixels] = RefineTest.scene();
+      points(2, 3) = Inf;
+      test.verifyError(@() kelvane_refine(start, points, pixels, [500 320 240], 'PoseFrame', 'world_from_camera'), ...
+                       'kelvane:notFinite');
+      test.verifyError(@() kelvane_refine(start, points, pixels, [500 320 240], 'RotationType', 2), ...
+                       'kelvane:unknownOption');
     end
 
     function bearings_arrive(test)

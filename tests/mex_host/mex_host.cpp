@@ -2,51 +2,32 @@
 // The host's side of a call.
 #include "mex_host.h"
 
+#include <algorithm>
+#include <atomic>
 #include <csetjmp>
-#include <cstdarg>
 #include <cstdio>
-#include <cstring>
-#include <memory>
-#include <stdexcept>
+#include <cstdlib>
 #include <utility>
 
-// One call at a time on each thread.
-struct mex_host::Call {
-  Error_call error_call = Error_call::throws;
-  std::jmp_buf return_point = {};
-  std::string identifier;
-  std::string message;
-  std::string forbidden_access;
-  std::vector<std::unique_ptr<mxArray>> created;
-};
+#include "host_call.h"
 
+namespace mex_host {
 namespace {
-
-using mex_host::Call;
-
-struct Host_error : std::runtime_error {
-  using std::runtime_error::runtime_error;
-};
 
 thread_local Call* current = nullptr;
 
-/// The host's own work during a call of one of its functions that may allocate.
-class In_host {
- public:
-  In_host() { mex_host::is_in_module = false; }
-  ~In_host() { mex_host::is_in_module = true; }
-  In_host(const In_host&) = delete;
-  In_host& operator=(const In_host&) = delete;
+struct Shortage {
+  Host_work work = Host_work::creating;
+  long calls_left = -1;  // negative: none fails
+  bool has_failed = false;
 };
+thread_local Shortage shortage;
 
-void check_access(const mxArray* array, const char* function) {
-  const bool has_data = array->class_name == "double" && !array->is_sparse && !array->is_complex;
-  if (!has_data && current->forbidden_access.empty()) current->forbidden_access = function;
-}
+constexpr std::size_t num_guards = 4;  // slots for outputs that nobody has asked for
 
 /// Holds no object with a destructor, so that the error call may jump out of the module to here.
 bool run(Call& call, int num_outputs, mxArray** outputs, int num_inputs, const mxArray** inputs) {
-  if (call.error_call == mex_host::Error_call::jumps) {
+  if (call.error_call == Error_call::jumps) {
     if (setjmp(call.return_point) != 0) return false;
     mexFunction(num_outputs, outputs, num_inputs, inputs);
     return true;
@@ -56,94 +37,64 @@ bool run(Call& call, int num_outputs, mxArray** outputs, int num_inputs, const m
     return true;
   } catch (const Host_error&) {
     return false;
+  } catch (const Host_shortage&) {
+    call.has_host_failed = true;
+    return false;
   }
 }
 
-void store_error(const char* identifier, const char* format, std::va_list arguments) {
-  std::va_list again;
-  va_copy(again, arguments);
-  const int size = std::vsnprintf(nullptr, 0, format, again);
-  va_end(again);
-  std::vector<char> text(static_cast<std::size_t>(size) + 1);
-  std::vsnprintf(text.data(), text.size(), format, arguments);
-  current->identifier = identifier;
-  current->message = text.data();
-}
-
-bool is_same(const mxArray& a, const mxArray& b) {
-  return a.rows == b.rows && a.columns == b.columns && a.values.size() == b.values.size() &&
-         (a.values.empty() || std::memcmp(a.values.data(), b.values.data(), a.values.size() * sizeof(double)) == 0);
+/// Takes over what the module has assigned, of which each has to be an array of its own.
+void collect_outputs(Call& call, const std::vector<mxArray*>& outputs, Result& result) {
+  for (std::size_t i = 0; i < outputs.size(); ++i) {
+    if (outputs[i] == nullptr) continue;
+    if (i > 0) result.has_assigned_other_outputs = true;
+    if (i + num_guards >= outputs.size()) forbid("mexFunction", "assigned an output that nobody has asked for");
+    const auto found = place_of(outputs[i]);
+    if (found == call.created.end()) {
+      forbid("mexFunction", "gave an output that is not the module's own, or is another one too");
+      continue;
+    }
+    if (i == 0) result.output = std::move((*found)[0]);
+    if (i > 0 && result.other_outputs.size() == i - 1) result.other_outputs.push_back(std::move((*found)[0]));
+    call.created.erase(found);
+  }
 }
 
 }  // namespace
 
-bool mxIsDouble(const mxArray* array) {
-  if (array->throws_int) throw 1;
-  return array->class_name == "double";
+Call& current_call() {
+  if (current == nullptr) {
+    std::fputs("a function of the host was called from a thread that it did not call\n", stderr);
+    std::abort();
+  }
+  return *current;
 }
 
-bool mxIsSparse(const mxArray* array) { return array->is_sparse; }
-bool mxIsComplex(const mxArray* array) { return array->is_complex; }
-mwSize mxGetM(const mxArray* array) { return array->rows; }
-mwSize mxGetN(const mxArray* array) { return array->columns; }
-mwSize mxGetNumberOfElements(const mxArray* array) { return array->rows * array->columns; }
-const char* mxGetClassName(const mxArray* array) { return array->class_name.c_str(); }
-
-double* mxGetPr(const mxArray* array) {
-  check_access(array, "mxGetPr");
-  return const_cast<double*>(array->values.data());
+void forbid(const char* function, const char* what) {
+  const bool was_in_module = std::exchange(is_in_module, false);
+  std::string& first = current_call().forbidden_access;
+  if (first.empty()) first = std::string(function) + " " + what;
+  is_in_module = was_in_module;
 }
 
-double mxGetScalar(const mxArray* array) {
-  check_access(array, "mxGetScalar");
-  return array->values.at(0);
+bool is_to_fail(Host_work work) {
+  if (work != shortage.work || shortage.calls_left < 0 || shortage.calls_left-- > 0) return false;
+  shortage.has_failed = true;
+  return true;
 }
 
-mxArray* mxCreateDoubleMatrix(mwSize rows, mwSize columns, mxComplexity /*complexity*/) {
-  const In_host in_host;
-  current->created.push_back(
-      std::make_unique<mxArray>(mex_host::real_matrix(rows, columns, std::vector<double>(rows * columns))));
-  return current->created.back().get();
+void throw_shortage() { throw Host_shortage(); }
+
+std::vector<mxArray::Place>::iterator place_of(const mxArray* array) {
+  auto& created = current_call().created;  // the newest are the likeliest
+  const auto found = std::find_if(created.rbegin(), created.rend(),
+                                  [=](const mxArray::Place& place) { return place.data() == array; });
+  return found == created.rend() ? created.end() : found.base() - 1;
 }
 
-// No object with a destructor here: a jump would not destroy it.
-void mexErrMsgIdAndTxt(const char* identifier, const char* format, ...) {
-  mex_host::is_in_module = false;
-  std::va_list arguments;
-  va_start(arguments, format);
-  store_error(identifier, format, arguments);
-  va_end(arguments);
-  if (current->error_call == mex_host::Error_call::jumps) std::longjmp(current->return_point, 1);
-  throw Host_error("host error");
-}
-
-namespace mex_host {
-
-mxArray real_matrix(std::size_t rows, std::size_t columns, std::vector<double> column_major_values) {
-  mxArray array;
-  array.rows = rows;
-  array.columns = columns;
-  array.values = std::move(column_major_values);
-  return array;
-}
-
-mxArray row(std::vector<double> values) {
-  const std::size_t size = values.size();
-  return real_matrix(1, size, std::move(values));
-}
-
-mxArray column(std::vector<double> values) {
-  const std::size_t size = values.size();
-  return real_matrix(size, 1, std::move(values));
-}
-
-mxArray scalar(double value) { return real_matrix(1, 1, {value}); }
-
-mxArray other_class(const std::string& class_name, std::size_t rows, std::size_t columns) {
-  mxArray array = real_matrix(rows, columns, {});
-  array.class_name = class_name;
-  return array;
-}
+Failing_host::Failing_host(Host_work work, long count) { shortage = {work, count, false}; }
+Failing_host::~Failing_host() { shortage.calls_left = -1; }
+bool Failing_host::has_failed() const { return shortage.has_failed; }
 
 Result call(const std::vector<mxArray>& inputs, int num_outputs, Error_call error_call) {
   std::vector<const mxArray*> pointers;
@@ -152,25 +103,27 @@ Result call(const std::vector<mxArray>& inputs, int num_outputs, Error_call erro
 }
 
 Result call_by_address(const std::vector<const mxArray*>& inputs, int num_outputs, Error_call error_call) {
+  static std::atomic<unsigned long> num_calls = 0;
   Call this_call;
   this_call.error_call = error_call;
+  this_call.number = ++num_calls;
   current = &this_call;
   std::vector<mxArray> before;
   for (const mxArray* input : inputs) before.push_back(*input);
   std::vector<const mxArray*> input_pointers = inputs;
-  std::vector<mxArray*> output_pointers(static_cast<std::size_t>(num_outputs > 0 ? num_outputs : 1), nullptr);
+  std::vector<mxArray*> outputs(static_cast<std::size_t>(std::max(num_outputs, 1)) + num_guards, nullptr);
 
   is_in_module = true;
-  run(this_call, num_outputs, output_pointers.data(), static_cast<int>(inputs.size()), input_pointers.data());
+  const bool has_returned =
+      run(this_call, num_outputs, outputs.data(), static_cast<int>(inputs.size()), input_pointers.data());
   is_in_module = false;
 
   Result result;
-  if (output_pointers[0] != nullptr) result.output = *output_pointers[0];
-  for (std::size_t i = 1; i < output_pointers.size(); ++i) {
-    if (output_pointers[i] != nullptr) result.has_assigned_other_outputs = true;
-  }
+  collect_outputs(this_call, outputs, result);
+  if (has_returned && !this_call.created.empty()) forbid("mexFunction", "made an array that it left to itself");
   result.identifier = this_call.identifier;
   result.message = this_call.message;
+  result.has_host_failed = this_call.has_host_failed;
   result.forbidden_access = this_call.forbidden_access;
   for (std::size_t i = 0; i < inputs.size(); ++i) {
     if (!is_same(*inputs[i], before[i])) result.has_changed_inputs = true;
@@ -188,6 +141,7 @@ Prepared_call::~Prepared_call() = default;
 
 void Prepared_call::operator()(decltype(&mexFunction) entry) {
   call_->created.clear();
+  call_->matrix_sizes.clear();
   current = call_.get();
   try {
     entry(1, &output_, static_cast<int>(inputs_.size()), input_pointers_.data());

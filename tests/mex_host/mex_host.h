@@ -8,39 +8,24 @@
 #include <string>
 #include <vector>
 
+#include "host_array.h"
 #include "mex.h"
 
-/// An array of the host, column-major. What is not a full real array of doubles has no data to be asked for.
-struct mxArray {
-  std::size_t rows = 0;
-  std::size_t columns = 0;
-  std::vector<double> values;
-  std::string class_name = "double";
-  bool is_sparse = false;
-  bool is_complex = false;
-  bool throws_int = false;  // when asked for its class, as no host should
-};
-
 namespace mex_host {
-
-mxArray real_matrix(std::size_t rows, std::size_t columns, std::vector<double> column_major_values);
-mxArray row(std::vector<double> values);
-mxArray column(std::vector<double> values);
-mxArray scalar(double value);
-/// An array of another class, whose data must not be asked for.
-mxArray other_class(const std::string& class_name, std::size_t rows = 1, std::size_t columns = 1);
 
 /// How mexErrMsgIdAndTxt leaves the module: Octave throws, MATLAB may jump.
 enum class Error_call { throws, jumps };
 
 /// What one call of mexFunction left behind.
 struct Result {
-  std::optional<mxArray> output;  // plhs[0], when it was assigned
-  std::string identifier;         // empty when no error was raised
+  std::optional<mxArray> output;       // plhs[0], when it was assigned
+  std::vector<mxArray> other_outputs;  // plhs[1] and on, up to the first that was not assigned
+  std::string identifier;              // empty when no error was raised
   std::string message;
   bool has_changed_inputs = false;
   bool has_assigned_other_outputs = false;  // any but the first
-  std::string forbidden_access;  // the first host function that was called on an array that has nothing to give
+  bool has_host_failed = false;             // a function of the host did not return, as Failing_host wanted it
+  std::string forbidden_access;  // the first use of the host's functions that no host allows; empty: there was none
 };
 
 Result call(const std::vector<mxArray>& inputs, int num_outputs = 1, Error_call error_call = Error_call::throws);
@@ -49,6 +34,21 @@ Result call_by_address(const std::vector<const mxArray*>& inputs, int num_output
 
 /// Whether this thread is inside the module: false again while it calls one of the host's functions.
 inline thread_local bool is_in_module = false;
+
+/// Functions of the host that can run out of memory: those that create an array, which then throw or jump as its error
+/// call does, and those that look at one, which throw.
+enum class Host_work { creating, reading };
+
+/// From construction to destruction, on this thread: `count` calls of such functions succeed, the next one does not
+/// return.
+class Failing_host {
+ public:
+  Failing_host(Host_work work, long count);
+  ~Failing_host();
+  Failing_host(const Failing_host&) = delete;
+  Failing_host& operator=(const Failing_host&) = delete;
+  bool has_failed() const;
+};
 
 struct Call;
 

@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: BSD-3-Clause
-# The built module and its sources as files, and the scripts that build it.
+# The built modules and their sources as files, and the scripts that build it.
 foreach(topic IN ITEMS layers suppressions install_missing scripts build_preset)
   add_test(NAME "module/${topic}" COMMAND sh "${CMAKE_CURRENT_SOURCE_DIR}/module/${topic}_test" "${PROJECT_SOURCE_DIR}")
 endforeach()
@@ -8,20 +8,30 @@ if(TARGET kelvane_mex_octave AND CMAKE_BUILD_TYPE STREQUAL "Release" AND CMAKE_C
    AND CMAKE_CXX_COMPILER_VERSION VERSION_GREATER_EQUAL 12 AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
   add_test(NAME module/symbols
     COMMAND sh "${CMAKE_CURRENT_SOURCE_DIR}/module/symbols_test" "$<TARGET_FILE:kelvane_mex_octave>")
+  add_test(NAME module/engine_symbols
+    COMMAND sh "${CMAKE_CURRENT_SOURCE_DIR}/module/symbols_test" "$<TARGET_FILE:kelvane_engine_octave>")
 endif()
 if(TARGET kelvane_mex_octave AND OctaveCli_PROGRAM)
   add_test(NAME module/any_folder
     COMMAND sh "${CMAKE_CURRENT_SOURCE_DIR}/module/any_folder_test" "${PROJECT_SOURCE_DIR}" "${CMAKE_CXX_COMPILER}")
 endif()
 if(TARGET kelvane_mex_octave AND NOT KELVANE_SANITIZE AND NOT KELVANE_SANITIZE_THREADS AND CMAKE_BUILD_TYPE STREQUAL "Release")
-  set(module "$<TARGET_FILE:kelvane_mex_octave>")
-  add_test(NAME module/hosts COMMAND sh "${CMAKE_CURRENT_SOURCE_DIR}/module/hosts_test" "${PROJECT_SOURCE_DIR}" "${module}")
-  # A host of its own, which needs no more than the module.
-  add_executable(bare_host module/bare_host.cpp mex_host/mex_host.cpp)
-  target_include_directories(bare_host PRIVATE mex_host)
-  target_link_libraries(bare_host PRIVATE kelvane_compile_options ${CMAKE_DL_LIBS})
+  set(modules "$<TARGET_FILE:kelvane_mex_octave>" "$<TARGET_FILE:kelvane_engine_octave>")
+  add_test(NAME module/hosts COMMAND sh "${CMAKE_CURRENT_SOURCE_DIR}/module/hosts_test" "${PROJECT_SOURCE_DIR}" ${modules})
+  # A host of its own, which needs no more than the modules.
+  add_executable(bare_host module/bare_host.cpp)
+  target_link_libraries(bare_host PRIVATE bare_mex_host kelvane_compile_options ${CMAKE_DL_LIBS})
   set_target_properties(bare_host PROPERTIES ENABLE_EXPORTS ON)
   add_test(NAME module/bare_root
-    COMMAND sh "${CMAKE_CURRENT_SOURCE_DIR}/module/bare_root_test" "$<TARGET_FILE:bare_host>" "${module}")
+    COMMAND sh "${CMAKE_CURRENT_SOURCE_DIR}/module/bare_root_test" "$<TARGET_FILE:bare_host>" ${modules})
   set_tests_properties(module/bare_root PROPERTIES SKIP_RETURN_CODE 77)
+  if(CMAKE_SYSTEM_PROCESSOR STREQUAL "x86_64")
+    add_library(threads_apart MODULE module/threads_apart.cpp)
+    target_link_libraries(threads_apart PRIVATE kelvane_compile_options ${CMAKE_DL_LIBS})
+    configure_file(module/threads_apart.map threads_apart.map COPYONLY)
+    target_link_options(threads_apart PRIVATE "LINKER:--version-script=threads_apart.map")
+    add_test(NAME module/old_threads
+      COMMAND sh "${CMAKE_CURRENT_SOURCE_DIR}/module/old_threads_test" "$<TARGET_FILE:bare_host>"
+              "$<TARGET_FILE:kelvane_engine_octave>" "$<TARGET_FILE:threads_apart>")
+  endif()
 endif()

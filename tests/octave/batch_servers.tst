@@ -19,20 +19,41 @@
 %! closing = onCleanup(@() sclose(connections));
 %! infos = network_get_info(connections(2:3));
 %! assert({infos.peername}, {'127.0.0.1', '127.0.0.2'});
-%! for k = 8:-1:1
-%!   scene = noisy_scene([700 0 320; 0 700 240; 0 0 1], k);
-%!   problems(k) = struct('name', sprintf('scene %d', k), 'start', scene.start, 'points', scene.points, ...
-%!                        'observations', scene.pixels, 'intrinsics', scene.K);
-%! end
+%! problems = scene_problems(8);
 %! problems(5).points(7) = Inf;
 %! here = kelvane_batch(problems, 'Progress', 'off', 'Loss', 'huber');
 %! assert(here(5).error, 'points(1, 3) is Inf. All of it must be finite numbers.');
 %! there = kelvane_batch(problems, 'Connections', connections, 'Progress', 'line', 'Loss', 'huber');
-%! bits = @(rows) {rows.name, rows.pose, rows.info, rows.error};
-%! assert(isequal(bits(here), bits(there)));
+%! assert(isequaln(here, there));
 %! assert(isnan(there(5).rms_after) && all([there([1:4, 6:8]).exitflag] > 0));
-%! told = @(pose, values, state) error('kelvane:tests', 'process %d', getpid());
-%! there = kelvane_batch(problems, 'Connections', connections, 'Progress', 'off', 'OutputFcn', told);
+%! for k = 1:8
+%!   problems(k).start.tells_process = true;
+%! end
+%! restoring = stand_in('engine');
+%! there = kelvane_batch(problems, 'Connections', connections, 'Progress', 'off');
 %! processes = unique({there([1:4, 6:8]).error});
 %! assert(numel(processes) >= 2 && ~any(strcmp(processes, sprintf('process %d', getpid()))));
 %! assert(all(strncmp(processes, 'process ', 8)));
+
+%!test  % where servers are lost all results come all the same, but those that a process dies of; this one does not
+%! for field = {'kills_process_once', 'kills_process'}
+%!   connections = connected();
+%!   problems = scene_problems(40);
+%!   here = kelvane_batch(problems, 'Connections', connections, 'Progress', 'off');  % tells them where the module is
+%!   file = tempname();
+%!   write_text(file, '');
+%!   problems(23).start.(field{1}) = file;
+%!   restoring = stand_in('engine');
+%!   lastwarn('');
+%!   there = kelvane_batch(problems, 'Connections', connections, 'Progress', 'line');
+%!   clear('restoring');
+%!   [~, identifier] = lastwarn();
+%!   assert(identifier, 'kelvane:lostServers');
+%!   is_lost = strcmp({there.identifier}, 'kelvane:lostProcess');
+%!   assert(find(is_lost), 23 * ones(1, strcmp(field{1}, 'kills_process')));
+%!   assert(isequaln(here(~is_lost), there(~is_lost)));
+%!   if strcmp(field{1}, 'kills_process')
+%!     delete(file);
+%!   end
+%!   assert(exist(file, 'file'), 0);
+%! end

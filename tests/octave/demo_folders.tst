@@ -34,10 +34,7 @@
 %!endfunction
 
 %!function quietly_on_full_disk(demo, varargin)  % a demo that runs to its first picture
-%!  warning('off', 'Octave:shadowed-function', 'local');
-%!  full_disk = fullfile(fileparts(which('run_tests')), 'stand_ins', 'full_disk');
-%!  addpath(full_disk);
-%!  restoring = onCleanup(@() rmpath(full_disk));
+%!  restoring = stand_in('full_disk');
 %!  evalc('demo(varargin{:});');
 %!endfunction
 
@@ -145,6 +142,8 @@
 %!   [work, removing] = work_folder();
 %!   project = fileparts(fileparts(which('kelvane_refine')));
 %!   code = sprintf('addpath examples, conventions_demo(''%s'')', work);
-%!   [status, said] = system(sprintf('cd "%s" && octave-cli --norc -q --path matlab --eval "%s" 2>&1', project, code));
+%!   module = fileparts(which('kelvane_engine'));
+%!   [status, said] = system(sprintf('cd "%s" && octave-cli --norc -q --path "%s" --path matlab --eval "%s" 2>&1', project, ...
+%!                                   module, code));
 %!   assert(status == 0 && isempty(strfind(said, 'load')) && numel(names_in(work)) == 3, '%s', said);
 %! end

@@ -1,21 +1,24 @@
 % SPDX-License-Identifier: BSD-3-Clause
-% What `help kelvane_mex` shows.
+% What `help` shows of the modules.
 
-%!function lines = help_lines()
-%!  lines = strsplit(get_help_text('kelvane_mex'), "\n");
+%!function lines = help_lines(name)
+%!  lines = strsplit(get_help_text(name), "\n");
 %!endfunction
 
 %!test  % it is the binary that runs and the m-file that is shown
-%! assert(exist('kelvane_mex'), 3);
-%! assert(~isempty(strfind(help_lines(){1}, 'KELVANE_MEX  Refine a camera pose')));
+%! assert([exist('kelvane_mex'), exist('kelvane_engine')], [3, 3]);
+%! assert(~isempty(strfind(help_lines('kelvane_mex'){1}, 'KELVANE_MEX  Refine a camera pose')));
+%! assert(~isempty(strfind(help_lines('kelvane_engine'){1}, 'KELVANE_ENGINE  The compiled engine')));
 
 %!test  % the lines fit the m-file
-%! text = get_help_text('kelvane_mex');
-%! source = fileread(fullfile(fileparts(which('kelvane_mex')), 'kelvane_mex.m'));
-%! assert(strncmp(strrep(source, "\n%", "\n"), ['%', text], numel(text)));
+%! for name = {'kelvane_mex', 'kelvane_engine'}
+%!   text = get_help_text(name{1});
+%!   source = fileread(fullfile(fileparts(which(name{1})), [name{1}, '.m']));
+%!   assert(strncmp(strrep(source, "\n%", "\n"), ['%', text], numel(text)));
+%! end
 
 %!test  % the example runs as printed
-%! lines = help_lines();
+%! lines = help_lines('kelvane_mex');
 %! first = find(strncmp(strtrim(lines), 'Example:', 8)) + 1;
 %! last = find(strncmp(strtrim(lines), 'See also', 8)) - 1;
 %! assert([numel(first), numel(last)], [1, 1]);
@@ -29,23 +32,29 @@
 %!   assert(numel(strfind(text, entry{1})), 1);
 %! end
 
+%!function problem = without_binary(name)  % what a copy of its m-file says
+%!  folder = tempname();
+%!  mkdir(folder);
+%!  copy = fopen(fullfile(folder, 'kelvane_unbuilt.m'), 'w');
+%!  fputs(copy, fileread(fullfile(fileparts(which(name)), [name, '.m'])));
+%!  fclose(copy);
+%!  warning('off', 'Octave:function-name-clash', 'local');
+%!  addpath(folder);
+%!  cleanup = onCleanup(@() rmpath(folder));
+%!  problem = struct('identifier', '', 'message', '');
+%!  try
+%!    kelvane_unbuilt(1);
+%!  catch problem
+%!  end
+%!  confirm_recursive_rmdir(false, 'local');
+%!  rmdir(folder, 's');
+%!endfunction
+
 %!test  % without the binary the m-file says how to get it
-%! folder = tempname();
-%! mkdir(folder);
-%! copy = fopen(fullfile(folder, 'kelvane_unbuilt.m'), 'w');
-%! fputs(copy, fileread(fullfile(fileparts(which('kelvane_mex')), 'kelvane_mex.m')));
-%! fclose(copy);
-%! addpath(folder);
-%! cleanup = onCleanup(@() rmpath(folder));
-%! try
-%!   kelvane_unbuilt(1);
-%!   message = '';
-%! catch problem
-%!   message = problem.message;
+%! for name = {'kelvane_mex', 'kelvane_engine'}
+%!   problem = without_binary(name{1});
 %!   assert(problem.identifier, 'kelvane:notBuilt');
+%!   assert(strncmp(problem.message, ['The compiled function ', name{1}, ' ('], 23 + numel(name{1})));
+%!   assert(~isempty(strfind(problem.message, 'kelvane_build')) && exist('kelvane_build', 'file') == 2);
+%!   assert(~isempty(strfind(problem.message, 'cmake --preset release')));
 %! end
-%! assert(strncmp(message, 'The compiled function kelvane_mex', 33));
-%! assert(~isempty(strfind(message, 'kelvane_build')) && exist('kelvane_build', 'file') == 2);
-%! assert(~isempty(strfind(message, 'cmake --preset release')));
-%! confirm_recursive_rmdir(false, 'local');
-%! rmdir(folder, 's');

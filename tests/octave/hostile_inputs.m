@@ -104,15 +104,3 @@ end
 function images = images_of(values)
   images = cellfun(@image_of, values, 'UniformOutput', false);
 end
-
-% What a value is, to the bit, as text.
-function image = image_of(value)
-  image = [class(value), sprintf(' %d', size(value), issparse(value), iscomplex(value)), ' '];
-  if isnumeric(value) || ischar(value) || islogical(value)
-    contents = full(value(:)');
-    if islogical(contents)
-      contents = char(contents);
-    end
-    image = [image, char(typecast(real(contents), 'uint8')), char(typecast(imag(contents), 'uint8'))];
-  end
-end

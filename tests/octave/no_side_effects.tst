@@ -69,3 +69,66 @@
 %!   clear kelvane_mex
 %!   caught(with(5, 4));
 %! end
+
+%!function [inputs, found] = answered_call()
+%!  inputs = engine_calls(){1};
+%!  found = kelvane_engine(inputs{:});
+%!endfunction
+
+%!test  % all this of kelvane_engine, whose inputs lie in cells and structs
+%! for call = engine_calls()
+%!   inputs = call{1};
+%!   copies = engine_calls();
+%!   copies = copies{cellfun(@(other) strcmp(other{1}, inputs{1}), copies)};  % arrays of their own
+%!   x = kelvane_engine(inputs{:});
+%!   assert(inputs, copies);
+%!   assert(kelvane_engine(inputs{:}), x);
+%! end
+
+%!test  % results are arrays of their own
+%! [inputs, found] = answered_call();
+%! kept = found.points{2} + 0;
+%! assert(kept, inputs{3}{2}');
+%! found.pose(:) = 0;
+%! found.points{2}(:) = 0;
+%! again = kelvane_engine(inputs{:});
+%! assert(again.points{2}, kept);
+
+%!test  % one array as many inputs
+%! [inputs, found] = answered_call();
+%! kept = inputs{3}{1} + 0;
+%! inputs{3} = {inputs{3}{1}, inputs{3}{1}};
+%! assert(kelvane_engine(inputs{:}).pose, found.pose);
+%! assert(inputs{3}, {kept, kept});
+
+%!test  % calls that fail, are left or are others do not show in the next one
+%! [inputs, found] = answered_call();
+%! left = inputs;
+%! left{8} = 0;
+%! kelvane_engine(left{:});
+%! fail('kelvane_engine(''refine'', 1)', 'more inputs; there are 1');
+%! wrong = inputs;
+%! wrong{4}{1} = 'none';
+%! kelvane_engine(wrong{:});
+%! assert(kelvane_engine(inputs{:}), found);
+%! clear kelvane_engine
+%! assert(~mislocked('kelvane_engine'));
+%! assert(kelvane_engine(inputs{:}), found);
+
+%!test  % a thousand calls that fail, one way or another, leave nothing behind
+%! [inputs, found] = answered_call();
+%! wrong = inputs;
+%! wrong{4}{1} = 'none';
+%! for k = 1:1100
+%!   if k == 100
+%!     before = memory_in_use();
+%!   end
+%!   try
+%!     kelvane_engine('refine', inputs{2:4}, 1, 2, 3);
+%!   catch problem
+%!   end
+%!   x = kelvane_engine(wrong{:});
+%! end
+%! assert(problem.identifier, 'kelvane:inputs');
+%! assert(memory_in_use() - before < 1000);
+%! assert(kelvane_engine(inputs{:}), found);

@@ -12,22 +12,19 @@
 %!              [-700 40 320; 0 640 240; 0 0 1], [700 0 320; 0 -700 240; 0 0 1]};
 %!endfunction
 
-%!test  % pixels for every K: unequal focal lengths, skew, mirrored axes; with and without weights, every type
+%!test  % pixels for every K: unequal focal lengths, skew, mirrored axes; with and without weights
 %! for K = some_matrices()
 %!   scene = noisy_scene(K{1}, 11);
-%!   for with = {1, linspace(0.2, 3, 30), reshape(linspace(0.1, 5, 60), 2, 30); [0, -2], [1, -1], [2, -3]}
-%!     cost = @(pose) squares(scene, pose, with{1});
-%!     given = with{1} .* ones(1, 30);
-%!     for type = with{2}
-%!       [pose, info] = kelvane_refine(scene.start, scene.points, scene.pixels, K{1}, 'Weights', given, ...
-%!                                     'RotationType', type);
-%!       assert(slope_of_cost(cost, pose, scene.distance), zeros(6, 1), 1e-6);
-%!       assert(info.exitflag > 0);
-%!       assert(info.rms_after, sqrt(cost(pose) / 30), -1e-12);
-%!       assert(info.rms_before, sqrt(cost(scene.start) / 30), -1e-12);
-%!       assert(info.rms_after < info.rms_before / 5);
-%!       assert(info.iterations <= 7);  % every step is a whole one of Gauss and Newton's
-%!     end
+%!   for weights = {1, linspace(0.2, 3, 30), reshape(linspace(0.1, 5, 60), 2, 30)}
+%!     cost = @(pose) squares(scene, pose, weights{1});
+%!     given = weights{1} .* ones(1, 30);
+%!     [pose, info] = kelvane_refine(scene.start, scene.points, scene.pixels, K{1}, 'Weights', given);
+%!     assert(slope_of_cost(cost, pose, scene.distance), zeros(6, 1), 1e-6);
+%!     assert(info.exitflag > 0);
+%!     assert(info.rms_after, sqrt(cost(pose) / 30), -1e-12);
+%!     assert(info.rms_before, sqrt(cost(scene.start) / 30), -1e-12);
+%!     assert(info.rms_after < info.rms_before / 5);
+%!     assert(info.iterations <= 7);  % every step is a whole one of Gauss and Newton's
 %!   end
 %! end
 
@@ -61,13 +58,10 @@
 %! assert(sum(b(3, :) < 0) > 5);
 %! for weights = {1, linspace(0.2, 3, 25), reshape(linspace(0.1, 5, 75), 3, 25)}
 %!   cost = @(pose) sum(sum(weights{1} .* (kelvane_project(pose, points, []) - b).^2));
-%!   for type = [10, 11, 12]
-%!     [pose, info] = kelvane_refine(start, points, 7 * b, [], 'RotationType', type, 'Weights', ...
-%!                                   weights{1} .* ones(1, 25));
-%!     assert(slope_of_cost(cost, pose, 3), zeros(6, 1), 1e-6);
-%!     assert(info.exitflag > 0 && info.iterations < 20);
-%!     assert(info.residuals, b - kelvane_project(pose, points, []), 1e-14);
-%!   end
+%!   [pose, info] = kelvane_refine(start, points, 7 * b, [], 'Weights', weights{1} .* ones(1, 25));
+%!   assert(slope_of_cost(cost, pose, 3), zeros(6, 1), 1e-6);
+%!   assert(info.exitflag > 0 && info.iterations < 20);
+%!   assert(info.residuals, b - kelvane_project(pose, points, []), 1e-14);
 %! end
 
 %!test  % a weight of 0 leaves a point out
@@ -80,6 +74,40 @@
 %!                               [ones(1, 20), zeros(1, 10)]);
 %! assert(isfinite([info.rms_before, info.rms_after]), [true, true]);
 %! assert({pose.rotation, pose.centre}, {few.rotation, few.centre}, 1e-9);
+
+%!test  % a point that was not seen, or has no weight, is left out and counted
+%! scene = noisy_scene([700 60 320; 0 600 240; 0 0 1], 16);
+%! used = 4:27;
+%! for loss = {'none', 'tukey'}
+%!   [few, few_info] = kelvane_refine(scene.start, scene.points(:, used), scene.pixels(:, used), scene.K, 'Loss', loss{1});
+%!   pixels = scene.pixels;
+%!   pixels(1, [1, 2]) = NaN;
+%!   pixels(:, 3) = NaN;
+%!   weights = [1, 0, ones(1, 25), zeros(1, 3)];
+%!   [pose, info] = kelvane_refine(scene.start, scene.points, pixels, scene.K, 'Weights', weights, 'Loss', loss{1});
+%!   assert({pose.rotation, pose.centre}, {few.rotation, few.centre}, 1e-12);
+%!   for name = {'rms_before', 'rms_plain_before', 'rms_inliers_before', 'rms_after', 'rms_plain_after', ...
+%!               'rms_inliers_after', 'covariance', 'noise_sigma', 'num_inliers', 'num_behind', 'iterations'}
+%!     assert(info.(name{1}), few_info.(name{1}), -1e-9);
+%!   end
+%!   left_out = ~ismember(1:30, used);
+%!   assert([info.num_left_out, few_info.num_left_out], [6, 0]);
+%!   assert(isnan(info.residuals), [left_out; left_out]);
+%!   assert(info.inliers(used), few_info.inliers);
+%!   assert(~any(info.inliers(left_out)));
+%! end
+
+%!test  % with a loss the RMS is told without it, too, and that of the inliers
+%! scene = noisy_scene([700 60 320; 0 600 240; 0 0 1], 17);
+%! scene.pixels(:, [4, 9]) = scene.pixels(:, [4, 9]) + 90;
+%! [pose, info] = kelvane_refine(scene.start, scene.points, scene.pixels, scene.K, 'Loss', 'tukey');
+%! root = @(pose, which) sqrt(mean(sum((kelvane_project(pose, scene.points(:, which), scene.K) - scene.pixels(:, which)).^2)));
+%! assert(~any(info.inliers([4, 9])) && info.num_inliers > 20);
+%! assert(info.num_inliers, sum(info.inliers));
+%! assert([info.rms_plain_before, info.rms_plain_after], [root(scene.start, 1:30), root(pose, 1:30)], -1e-12);
+%! assert([info.rms_inliers_before, info.rms_inliers_after], ...
+%!        [root(scene.start, info.inliers), root(pose, info.inliers)], -1e-12);
+%! assert(info.rms_after < info.rms_plain_after);
 
 %!test  % a loss whose scale is far above all residuals is none
 %! scene = noisy_scene([700 60 320; 0 600 240; 0 0 1], 15);

@@ -42,6 +42,20 @@
 %! end
 %! assert(isempty(problems) || mean(shares) > 0.7);
 
+%!test  % one observation that is further off than all others does not switch a loss off
+%! scene = noisy_scene([700 0 320; 0 700 240; 0 0 1], 18);
+%! others = [1:6, 8:30];
+%! refined = @(which, pixels, loss) kelvane_refine(scene.start, scene.points(:, which), pixels, scene.K, 'Loss', loss);
+%! for far_off = {1e5, 1e9, 1e200; {'huber', 'cauchy', 'tukey'}, {'huber', 'cauchy', 'tukey'}, {'cauchy', 'tukey'}}
+%!   for loss = far_off{2}
+%!     pixels = scene.pixels;
+%!     pixels(:, 7) = far_off{1};
+%!     [pose, info] = refined(1:30, pixels, loss{1});
+%!     assert(info.exitflag > 0 && ~info.inliers(7) && isfinite(info.loss_scale));
+%!     assert(pose.centre, refined(others, scene.pixels(:, others), loss{1}).centre, 0.005 * scene.distance);
+%!   end
+%! end
+
 %!test  % the tuning keeps 95 % of the information: by the definition, over the normal distribution of two coordinates
 %! s = 0.0005:0.001:12;
 %! density = 0.001 * s .* exp(-s.^2 / 2);

@@ -16,8 +16,7 @@
 %!endfunction
 
 %!test  % the pose comes out in the form and the frame in which it went in, or in those that are asked for
-%! addpath(fullfile(fileparts(which('run_tests')), 'stand_ins'));
-%! cleanup = onCleanup(@() rmpath(fullfile(fileparts(which('run_tests')), 'stand_ins')));
+%! cleanup = stand_in('');
 %! scene = noisy_scene([700 0 320; 0 700 240; 0 0 1], 21);
 %! call = @(start, varargin) kelvane_refine(start, scene.points, scene.pixels, scene.K, varargin{:});
 %! best = call(scene.start);
@@ -46,42 +45,47 @@
 %! pose = kelvane_refine(start, scene.points, scene.pixels, scene.K, 'MaxIterations', 0, 'PoseForm', 'quaternion_wxyz', ...
 %!                       'PoseFrame', 'camera_from_world');
 %! assert(pose, start);
-%! [pose, info] = kelvane_refine(start, scene.points, scene.pixels, scene.K, 'RotationType', 3, 'PoseForm', ...
-%!                               'quaternion_wxyz', 'PoseFrame', 'camera_from_world');
-%! assert(info.exitflag, -2);
+%! scene.points(:, 1) = scene.start.centre + 2 * scene.start.rotation(:, 1);  % beside the camera: no finite pixel
+%! [pose, info] = kelvane_refine(start, scene.points, scene.pixels, scene.K, 'PoseForm', 'quaternion_wxyz', ...
+%!                               'PoseFrame', 'camera_from_world');
+%! assert(info.exitflag, -3);
 %! assert(pose, start);
 
-%!test  % where the world is, how it is turned and how large it is makes no difference, for any type
+%!test  % where the world is, how it is turned and how large it is makes no difference
 %! scene = noisy_scene([700 0 320; 0 700 240; 0 0 1], 23);
 %! Q = expm([0 -1 2; 1 0 -0.5; -2 0.5 0]);
 %! moved = @(X) 250 * (Q * X) + [3e5; -7e5; 4e4];
-%! for type = [0, 1, 2, -1, -2, -3]
-%!   [pose, info] = kelvane_refine(scene.start, scene.points, scene.pixels, scene.K, 'RotationType', type);
+%! for loss = {'none', 'huber'}
+%!   [pose, info] = kelvane_refine(scene.start, scene.points, scene.pixels, scene.K, 'Loss', loss{1});
 %!   start = kelvane_pose({Q * scene.start.rotation, moved(scene.start.centre)}, 'rotation_centre', 'world_from_camera');
-%!   [other, info2] = kelvane_refine(start, moved(scene.points), scene.pixels, scene.K, 'RotationType', type);
+%!   [other, info2] = kelvane_refine(start, moved(scene.points), scene.pixels, scene.K, 'Loss', loss{1});
 %!   back = kelvane_pose({Q * pose.rotation, moved(pose.centre)}, 'rotation_centre', 'world_from_camera');
 %!   assert(other.rotation, back.rotation, 1e-9);
 %!   assert(other.centre, back.centre, 250 * 4 * 1e-8);
 %!   assert(info2.iterations, info.iterations);
 %! end
 
-%!test  % a start without rotation, or with half a turn, holds no type back
+%!test  % a start without rotation, or with half a turn, is one like any other
 %! points = [-1 1 1 -1 0 0.5; -1 -1 1 1 0 0.3; 0 0.2 0 0.4 1 -0.5];
 %! for R = {eye(3), diag([1 -1 -1]), diag([-1 -1 1])}
 %!   truth = kelvane_pose({R{1} * expm([0 -0.05 0.1; 0.05 0 -0.2; -0.1 0.2 0]), -4 * R{1}(:, 3)}, 'rotation_centre', ...
 %!                        'world_from_camera');
 %!   start = kelvane_pose(kelvane_pose({R{1}, -4 * R{1}(:, 3)}, 'rotation_centre', 'world_from_camera'), 'pose', '');
 %!   pixels = kelvane_project(truth, points, [500 0 0]);
-%!   for type = [0, 1, 2, -1, -2, -3]
-%!     pose = kelvane_refine(start, points, pixels, [500 0 0], 'RotationType', type);
-%!     assert(pose.rotation, truth.rotation, 1e-9);
-%!   end
+%!   pose = kelvane_refine(start, points, pixels, [500 0 0]);
+%!   assert(pose.rotation, truth.rotation, 1e-9);
 %! end
 
+%!test  % directions in rows or columns, and cameras in a row or as a matrix
+%! scene = noisy_scene([700 0 320; 0 650 240; 0 0 1], 25);
+%! call = @(varargin) kelvane_refine(scene.start, scene.points, varargin{:});
+%! directions = [scene.K \ [scene.pixels; ones(1, 30)]];
+%! assert(isequal(call(directions', []), call(directions, [])));
+%! assert(isequal(call(scene.pixels, [700 650 320 240]), call(scene.pixels, scene.K)));
+%! assert(isequal(call(scene.pixels', [700; 320; 240]), call(scene.pixels, [700 0 320; 0 700 240; 0 0 1])));
+
 %!test  % MATLAB's objects, by stand-ins with their properties
-%! folder = fullfile(fileparts(which('run_tests')), 'stand_ins');
-%! addpath(folder);
-%! cleanup = onCleanup(@() rmpath(folder));
+%! cleanup = stand_in('');
 %! scene = noisy_scene([700 20 320; 0 650 240; 0 0 1], 24);
 %! best = kelvane_refine(scene.start, scene.points, scene.pixels, scene.K);
 %! object = cameraIntrinsics([700 650], [320 240], 20);

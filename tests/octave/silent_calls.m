@@ -1,5 +1,5 @@
 % SPDX-License-Identifier: BSD-3-Clause
-% Calls kelvane_mex in every way and prints one line of its own. Whatever else appears came from inside the module.
+% Calls kelvane_mex and kelvane_engine in every way and prints one line of its own. Whatever else appears came from inside the module.
 function silent_calls()
   for type = [0:3, -3:-1]
     inputs = valid_inputs(type);
@@ -25,5 +25,34 @@ function silent_calls()
   caught(with(1, 'text'));
   caught({inputs{1}, zeros(3, 0), zeros(2, 0)});
   x = kelvane_mex(nan(1, 9), inputs{2:3}); %#ok<NASGU>
+  engine();
   fprintf('all calls made\n');
+end
+
+function engine()
+  for call = engine_calls()
+    inputs = call{1};
+    x = kelvane_engine(inputs{:}); %#ok<NASGU>
+    for k = 1:numel(inputs)
+      fails([inputs(1:k - 1), {@sin}, inputs(k + 1:end)]);
+    end
+  end
+  inputs = engine_calls(){1};
+  inputs(8:9) = {0, 3};  % left after each iteration, on threads
+  for k = 1:10
+    found = kelvane_engine(inputs{:});
+    inputs{7}(1:numel(found.state)) = found.state;
+  end
+  inputs{4}{1} = inputs{4}{1} + Inf;
+  inputs{2}{2} = NaN(1, 6);
+  x = kelvane_engine(inputs{:});
+  assert(~any(x.is_found));
+end
+
+function fails(inputs)
+  try
+    x = kelvane_engine(inputs{:}); %#ok<NASGU>
+  catch problem
+    assert(strncmp(problem.identifier, 'kelvane:', 8));
+  end
 end

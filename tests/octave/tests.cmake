@@ -18,8 +18,8 @@ set(topics number_of_arguments rotation_type camera_and_points criteria_and_weig
            help_text)
 # The m-files do not need an instrumented module.
 set(topics_of_functions help_of_functions examples_of_pages refine_costs refine_covariance refine_data refine_far_starts
-                        refine_outliers refine_poses refine_reports reports_page batch_engines demos demo_folders read_bal
-                        read_colmap)
+                        refine_outliers refine_poses refine_reports reports_page batch_engines batch_processes demos
+                        demo_folders read_bal read_colmap)
 set(functions kelvane_batch kelvane_check_gradient kelvane_demo kelvane_plot kelvane_pose kelvane_project
               kelvane_read_bal kelvane_read_colmap kelvane_refine kelvane_types)
 set(is_tested_in_octave ON)
@@ -40,11 +40,14 @@ if(TARGET kelvane_mex_octave AND OctaveCli_PROGRAM AND is_tested_in_octave)
   # One type is enough for an instrumented module, in which everything takes longer.
   kelvane_add_octave_test(hostile_inputs "hostile_inputs($<$<BOOL:${KELVANE_SANITIZE}>:[0, 0]>)")
   set_tests_properties(octave/hostile_inputs PROPERTIES PASS_REGULAR_EXPRESSION "^every value at every position\n$")
+  kelvane_add_octave_test(hostile_engine_inputs "hostile_engine_inputs($<IF:$<BOOL:${KELVANE_SANITIZE}>,100,10>)")
+  set_tests_properties(octave/hostile_engine_inputs PROPERTIES PASS_REGULAR_EXPRESSION "^every value at every place\n$")
   if(KELVANE_SANITIZE)
     # Leaks are told by their whole stack, which makes everything slow: looked for in one test only.
     set(environment "LD_PRELOAD=${libasan};ASAN_OPTIONS=detect_leaks=0")
     list(TRANSFORM topics PREPEND octave/)
-    set_tests_properties(${topics} octave/hostile_inputs PROPERTIES ENVIRONMENT "${environment}")
+    set_tests_properties(${topics} octave/hostile_inputs octave/hostile_engine_inputs PROPERTIES
+      ENVIRONMENT "${environment}")
     set(leaks "fast_unwind_on_malloc=0:print_suppressions=0")
     set(environment "LD_PRELOAD=${libasan}"
       "LSAN_OPTIONS=${leaks}:suppressions=\"${CMAKE_CURRENT_SOURCE_DIR}/octave/leak_suppressions.txt\"")

@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "mex_host.h"
-#include "trust/failing_memory.h"
+#include "trust/faults.h"
 #include "trust/good_call.h"
 #include "trust/outcome.h"
 
@@ -16,34 +16,11 @@ namespace {
 
 using mex_host::Error_call;
 using mex_host::Result;
-using trust::Shortage;
 
-constexpr long too_many = 100000;  // no call here makes as many allocations
-
-struct Observation {
-  bool has_failed = false;
-  bool ends_well = false;
-  bool is_report = false;
-  std::string message;
-  long num_blocks_left = 0;
-};
-
-/// One call during which the allocation number `count` of the module fails. Nothing that lives on is allocated between
-/// the two countings.
-Observation call_short_of_memory(const std::vector<mxArray>& inputs, Error_call error_call, long count,
-                                 Shortage shortage) {
-  Observation seen;
-  seen.message.reserve(too_many);
-  const trust::Failing_memory memory(count, shortage);
-  {
-    const Result result = mex_host::call(inputs, 1, error_call);
-    seen.has_failed = memory.has_failed();
-    seen.ends_well = static_cast<bool>(trust::ends_well(result));
-    seen.is_report = trust::is_report(result);
-    seen.message = result.message;
-  }
-  seen.num_blocks_left = memory.num_blocks_left();
-  return seen;
+testing::AssertionResult tells_shortage(const Result& result) {
+  const testing::AssertionResult verdict = trust::gives_report(result);
+  if (!verdict || result.message.find("std::bad_alloc") != std::string::npos) return verdict;
+  return testing::AssertionFailure() << result.message;
 }
 
 class Allocations : public testing::TestWithParam<std::tuple<int, Error_call>> {
@@ -51,28 +28,17 @@ class Allocations : public testing::TestWithParam<std::tuple<int, Error_call>> {
   int type() const { return std::get<0>(GetParam()); }
   Error_call error_call() const { return std::get<1>(GetParam()); }
 
-  /// Lets every allocation of a call fail in turn.
-  void expect_reports(const std::vector<mxArray>& inputs, bool is_good, Shortage shortage) {
-    const Result whole = mex_host::call(inputs, 1, error_call());
+  /// Lets everything in a call fail in turn.
+  void expect_reports(const std::vector<mxArray>& inputs, bool is_good) {
+    const trust::Tested_call call{"call", inputs};
+    const Result whole = call.run(error_call());
     ASSERT_EQ(trust::is_pose(whole), is_good) << whole.message;
-    long count = 0;
-    for (;; ++count) {
-      SCOPED_TRACE("allocation " + std::to_string(count));
-      ASSERT_LT(count, too_many);
-      const Observation seen = call_short_of_memory(inputs, error_call(), count, shortage);
-      EXPECT_TRUE(seen.ends_well);
-      EXPECT_EQ(seen.num_blocks_left, 0);
-      if (!seen.has_failed) break;
-      EXPECT_TRUE(seen.is_report);
-      if (is_good) {
-        EXPECT_NE(seen.message.find("std::bad_alloc"), std::string::npos) << seen.message;
-      }
-      const Result next = mex_host::call(inputs, 1, error_call());
-      EXPECT_EQ(next.message, whole.message);
-      EXPECT_EQ(next.output ? next.output->values : std::vector<double>(),
-                whole.output ? whole.output->values : std::vector<double>());
+    for (const trust::Fault fault : trust::faults_of(error_call())) {
+      const long count = trust::fail_everything(call, error_call(), fault,
+                                                {trust::ends_well, is_good ? tells_shortage : trust::gives_report});
+      // At least the search vectors, or the parts of a report; the one output, or none.
+      EXPECT_GT(count, fault == trust::Fault::host_creating ? is_good - 1 : 2);
     }
-    EXPECT_GT(count, 2);  // at least the search vectors, or the parts of a report
   }
 };
 
@@ -88,40 +54,28 @@ std::vector<mxArray> inputs_of_one_point(int type, bool is_analytic) {
   return inputs;
 }
 
-TEST_P(Allocations, FailInARefinementInClosedForm) {
-  for (const Shortage shortage : {Shortage::once, Shortage::lasting}) {
-    expect_reports(trust::good_inputs(type(), 4, true), true, shortage);
-  }
-}
+TEST_P(Allocations, FailInARefinementInClosedForm) { expect_reports(trust::good_inputs(type(), 4, true), true); }
 
-TEST_P(Allocations, FailInARefinementByDifferences) {
-  for (const Shortage shortage : {Shortage::once, Shortage::lasting}) {
-    expect_reports(trust::good_inputs(type(), 4, false), true, shortage);
-  }
-}
+TEST_P(Allocations, FailInARefinementByDifferences) { expect_reports(trust::good_inputs(type(), 4, false), true); }
 
 TEST_P(Allocations, FailWhereTheRankIsLost) {
   for (const bool is_analytic : {true, false}) {
     SCOPED_TRACE(is_analytic ? "closed form" : "differences");
-    for (const Shortage shortage : {Shortage::once, Shortage::lasting}) {
-      expect_reports(inputs_of_one_point(type(), is_analytic), true, shortage);
-    }
+    expect_reports(inputs_of_one_point(type(), is_analytic), true);
   }
 }
 
 TEST_P(Allocations, FailOnTheWayToAReport) {
-  for (const Shortage shortage : {Shortage::once, Shortage::lasting}) {
-    expect_reports(trust::good_inputs(type(), 0), false, shortage);
-    std::vector<mxArray> refused = trust::good_inputs(type(), 4);
-    refused[1] = mex_host::other_class("cell");
-    expect_reports(refused, false, shortage);
-  }
+  expect_reports(trust::good_inputs(type(), 0), false);
+  std::vector<mxArray> refused = trust::good_inputs(type(), 4);
+  refused[1] = mex_host::other_class("cell");
+  expect_reports(refused, false);
 }
 
 std::string test_name(const testing::TestParamInfo<std::tuple<int, Error_call>>& info) {
   const int type = std::get<0>(info.param);
-  const std::string host = std::get<1>(info.param) == Error_call::throws ? "HostThrows" : "HostJumps";
-  return "Type" + std::string(type < 0 ? "Minus" : "") + std::to_string(type < 0 ? -type : type) + host;
+  return "Type" + std::string(type < 0 ? "Minus" : "") + std::to_string(type < 0 ? -type : type) + "Host" +
+         trust::name_of(std::get<1>(info.param));
 }
 
 INSTANTIATE_TEST_SUITE_P(Types, Allocations,

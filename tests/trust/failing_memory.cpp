@@ -3,7 +3,9 @@
 #include "trust/failing_memory.h"
 
 #include <dlfcn.h>
+#include <pthread.h>
 
+#include <atomic>
 #include <cerrno>
 #include <cstddef>
 #include <cstdlib>
@@ -17,31 +19,33 @@
 
 namespace {
 
-struct State {
-  long allocations_left = -1;  // negative: none fails
-  bool is_lasting = false;
-  bool has_failed = false;
-  long num_blocks = 0;
-  bool is_for_exception = false;
-  long num_allocations = 0;
-  std::size_t num_bytes = 0;
-};
-thread_local State state;
+std::atomic<long> allocations_left = -1;  // negative: none fails
+std::atomic<bool> is_lasting = false;
+std::atomic<bool> has_failed_once = false;
+std::atomic<long> num_blocks = 0;
+std::atomic<long> num_requests = 0;
+std::atomic<std::size_t> num_bytes_asked = 0;
+std::atomic<pthread_t> caller = {};
+thread_local bool is_for_exception = false;
+
+/// Threads that the module has started are in it all the time.
+bool is_of_module() { return mex_host::is_in_module || caller != pthread_self(); }
 
 bool is_refused() {
-  if (!mex_host::is_in_module || state.is_for_exception || state.allocations_left < 0) return false;
-  if (state.allocations_left > 0) {
-    --state.allocations_left;
-    return false;
+  if (allocations_left < 0 || is_for_exception || !is_of_module()) return false;
+  long left = allocations_left;
+  // From 0 on one fails, and then either none or all.
+  while (left > 0 || (left == 0 && !is_lasting)) {
+    if (allocations_left.compare_exchange_weak(left, left - 1)) break;
   }
-  state.has_failed = true;
-  if (!state.is_lasting) state.allocations_left = -1;
+  if (left != 0) return false;
+  has_failed_once = true;
   return true;
 }
 
 void count_request(std::size_t size) {
-  ++state.num_allocations;
-  state.num_bytes += size;
+  ++num_requests;
+  num_bytes_asked += size;
 }
 
 }  // namespace
@@ -49,13 +53,19 @@ void count_request(std::size_t size) {
 namespace trust {
 
 Failing_memory::Failing_memory(long count, Shortage shortage) {
-  state = {count, shortage == Shortage::lasting, false, 0, false, 0, 0};
+  caller = pthread_self();
+  is_lasting = shortage == Shortage::lasting;
+  has_failed_once = false;
+  num_blocks = num_requests = 0;
+  num_bytes_asked = 0;
+  allocations_left = count;
 }
-Failing_memory::~Failing_memory() { state.allocations_left = -1; }
-bool Failing_memory::has_failed() const { return state.has_failed; }
-long Failing_memory::num_blocks_left() const { return state.num_blocks; }
-long Failing_memory::num_allocations() const { return state.num_allocations; }
-std::size_t Failing_memory::num_bytes() const { return state.num_bytes; }
+Failing_memory::~Failing_memory() { end_shortage(); }
+void Failing_memory::end_shortage() { allocations_left = -1; }
+bool Failing_memory::has_failed() const { return has_failed_once; }
+long Failing_memory::num_blocks_left() const { return num_blocks; }
+long Failing_memory::num_allocations() const { return num_requests; }
+std::size_t Failing_memory::num_bytes() const { return num_bytes_asked; }
 
 }  // namespace trust
 
@@ -66,9 +76,9 @@ std::size_t Failing_memory::num_bytes() const { return state.num_bytes; }
 TRUST_EXPORTED void* __cxa_allocate_exception(std::size_t size) noexcept {
   using Function = void* (*)(std::size_t);
   static const auto next = reinterpret_cast<Function>(dlsym(RTLD_NEXT, "__cxa_allocate_exception"));
-  state.is_for_exception = true;
+  is_for_exception = true;
   void* memory = next(size);
-  state.is_for_exception = false;
+  is_for_exception = false;
   return memory;
 }
 
@@ -104,7 +114,7 @@ namespace {
 
 void* counted(void* memory, std::size_t size) {
   count_request(size);
-  if (memory != nullptr) ++state.num_blocks;
+  if (memory != nullptr) ++num_blocks;
   return memory;
 }
 
@@ -135,7 +145,7 @@ TRUST_EXPORTED int posix_memalign(void** memory, std::size_t alignment, std::siz
   return 0;
 }
 TRUST_EXPORTED void free(void* memory) {
-  if (memory != nullptr) --state.num_blocks;
+  if (memory != nullptr) --num_blocks;
   __libc_free(memory);
 }
 

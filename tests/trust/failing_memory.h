@@ -12,9 +12,9 @@ enum class Shortage { once, lasting };
 /// For counting only.
 inline constexpr long none_fails = -1;
 
-/// From construction to destruction, on this thread: `count` allocations of the module succeed, the next one fails.
-/// What the host allocates succeeds always. Counted are malloc and its relatives, which operator new ends in; where a
-/// sanitizer has replaced those, operator new alone.
+/// From construction to destruction: `count` allocations of the module succeed, on the thread that it was called on and
+/// on those that it starts, and the next one fails. What the host allocates succeeds always. Counted are malloc and its
+/// relatives, which operator new ends in; where a sanitizer has replaced those, operator new alone.
 class Failing_memory {
  public:
   Failing_memory(long count, Shortage shortage);
@@ -23,10 +23,12 @@ class Failing_memory {
   Failing_memory& operator=(const Failing_memory&) = delete;
 
   bool has_failed() const;
-  /// Blocks that were allocated since construction, by anybody on this thread, and not freed. Always 0 under a
-  /// sanitizer, which looks for leaks itself.
+  /// From here on only counts.
+  void end_shortage();
+  /// Blocks that were allocated since construction, by anybody, and not freed. Always 0 under a sanitizer, which looks
+  /// for leaks itself.
   long num_blocks_left() const;
-  /// Allocations since construction, by anybody on this thread, and what they asked for together.
+  /// Allocations since construction, by anybody, and what they asked for together.
   long num_allocations() const;
   std::size_t num_bytes() const;
 };

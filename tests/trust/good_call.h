@@ -9,12 +9,11 @@
 
 #include "camera_pose/rotation_type.h"
 #include "mex_host.h"
+#include "trust/tested_call.h"
 
 namespace trust {
 
 inline constexpr std::array<int, 10> all_types{0, 1, 2, 3, 10, 11, 12, -1, -2, -3};
-inline constexpr std::array<mex_host::Error_call, 2> all_error_calls{mex_host::Error_call::throws,
-                                                                     mex_host::Error_call::jumps};
 
 inline std::size_t num_equations(int type, std::size_t num_points) {
   const kelvane::Rotation_type& row = *kelvane::find_rotation_type(type);

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "mex_host.h"
+#include "support/long_round.h"
 
 namespace trust {
 
@@ -35,6 +36,14 @@ inline constexpr std::array<Named_value, 12> hostile_values{{{"0", 0.0},
                                                              {"-1e300", -1e300},
                                                              {"largest", std::numeric_limits<double>::max()},
                                                              {"2^31", 2147483648.0}}};
+
+/// Those for the place of this number: all, or with instrumentation one, and another one for the next place.
+inline std::vector<Named_value> values_for_place(std::size_t number) {
+  const std::size_t stride = hostile_values.size() / support::count_for_round(hostile_values.size());
+  std::vector<Named_value> values;
+  for (std::size_t k = number % stride; k < hostile_values.size(); k += stride) values.push_back(hostile_values[k]);
+  return values;
+}
 
 // Rows and columns as a host counts them: of 3x2x2 it says 3 by 4.
 inline constexpr std::array<std::pair<std::size_t, std::size_t>, 20> hostile_shapes{

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "mex_host.h"
+#include "trust/tested_call.h"
 
 namespace trust {
 
@@ -25,11 +26,20 @@ inline testing::AssertionResult ends_well(const mex_host::Result& result) {
   const auto refused = [&](const std::string& what) {
     return testing::AssertionFailure() << what << "; message: " << result.message;
   };
-  if (result.has_changed_inputs) return refused("an input was changed");
+  if (const auto order = is_in_order(result); !order) return refused(order.message());
   if (result.has_assigned_other_outputs) return refused("an output was assigned that is none of ours");
-  if (!result.forbidden_access.empty()) return refused(result.forbidden_access + " of an array without data");
   if (is_report(result) == is_pose(result)) return refused("neither a pose nor a report, or both");
   return testing::AssertionSuccess();
+}
+
+inline testing::AssertionResult gives_pose(const mex_host::Result& result) {
+  const testing::AssertionResult verdict = ends_well(result);
+  return !verdict || is_pose(result) ? verdict : testing::AssertionFailure() << result.message;
+}
+
+inline testing::AssertionResult gives_report(const mex_host::Result& result) {
+  const testing::AssertionResult verdict = ends_well(result);
+  return !verdict || is_report(result) ? verdict : testing::AssertionFailure() << "a pose";
 }
 
 }  // namespace trust

@@ -1,10 +1,10 @@
 % SPDX-License-Identifier: BSD-3-Clause
 % Prints, as a table in Markdown, how kelvane_refine with default options ends on the measurements that are here: for
-% each set and cost the calls of the module and the largest distance from the optimum that is stored there.
+% each set and cost the iterations and the largest distance from the optimum that is stored there.
 function print_problems()
   rows = {'chessboard', 'pixel'; 'bal', 'pixel'; 'bal_adjusted', 'pixel'; 'castle', 'pixel'; ...
           'omni', 'chord'; 'chessboard', 'chord'; 'bal', 'chord'; 'bal_adjusted', 'chord'; 'castle', 'chord'};
-  fprintf('| Set | Cost | Problems | Calls | Rotation (rad) | Centre (of the distance) | Exit flags |\n');
+  fprintf('| Set | Cost | Problems | Iterations | Rotation (rad) | Centre (of the distance) | Exit flags |\n');
   fprintf('| --- | --- | --- | --- | --- | --- | --- |\n');
   for k = 1:size(rows, 1)
     problems = shared_problems(rows{k, :});

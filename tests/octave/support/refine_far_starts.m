@@ -1,18 +1,18 @@
 % SPDX-License-Identifier: BSD-3-Clause
-% Refines num_starts far starts with one rotation type, spread over scenes of far_scene, from a seed. Fields of tally:
-% converged (exit flag positive), found (the optimum as well), iterations (their median), worse (poses with a higher RMS
-% than their start), errors (any error at all) and endless (more iterations than the limit).
-function tally = refine_far_starts(scenes, type, num_starts, seed)
+% Refines num_starts far starts, spread over scenes of far_scene, from a seed. Fields of tally: converged (exit flag
+% positive), found (the optimum as well), iterations (their median), worse (poses with a higher RMS than their start),
+% errors (any error at all) and endless (more iterations than the limit).
+function tally = refine_far_starts(scenes, num_starts, seed)
   randn('state', seed); rand('state', seed);
   tally = struct('converged', 0, 'found', 0, 'iterations', [], 'worse', 0, 'errors', 0, 'endless', 0);
   for i = 1:num_starts
     scene = scenes(1 + mod(i, numel(scenes)));
     start = far_start(scene.optimum, scene.points);
     try
-      [pose, info] = kelvane_refine(start, scene.points, scene.observations, scene.intrinsics, 'RotationType', type);
+      [pose, info] = kelvane_refine(start, scene.points, scene.observations, scene.intrinsics);
     catch problem
       tally.errors = tally.errors + 1;
-      fprintf('type %d, start %d: %s\n', type, i, problem.message);
+      fprintf('start %d: %s\n', i, problem.message);
       continue;
     end
     distance = norm(scene.optimum.centre - mean(scene.points, 2));

@@ -21,19 +21,21 @@
 %!  write_text(fullfile(folder, file), text);
 %!endfunction
 
-%!function make_project(folder)  % its module returns 42
+%!function make_project(folder)  % its modules return 42 and 43
 %!  here = fileparts(which('kelvane_build'));
 %!  [~, calls] = kelvane_build('DryRun', true);
-%!  for call = calls(1:end - 1)
+%!  for call = calls(1:end - 2)
 %!    file = regexprep(call{1}{end}, '^.*/project/', '');
 %!    write_below(folder, file, sprintf('int %s;\n', strrep(strrep(file, '/', '_'), '.', '_')));
 %!  end
-%!  write_below(folder, 'kelvane_mex.cpp', ['#include <mex.h>' "\n" '#include "toy/first.h"' "\n", ...
-%!              'extern "C" __attribute__((visibility("default"))) void mexFunction(int, mxArray* x[], int, ', ...
-%!              'const mxArray**) { x[0] = mxCreateDoubleScalar(result); }' "\n"]);
+%!  entry = ['#include <mex.h>' "\n" '#include "toy/first.h"' "\n", ...
+%!           'extern "C" __attribute__((visibility("default"))) void mexFunction(int, mxArray* x[], int, ', ...
+%!           'const mxArray**) { x[0] = mxCreateDoubleScalar(%s); }' "\n"];
+%!  write_below(folder, 'kelvane_mex.cpp', sprintf(entry, 'result'));
+%!  write_below(folder, 'kelvane_engine.cpp', sprintf(entry, 'result + 1'));
 %!  write_below(folder, 'toy/first.h', '#include "toy/second.h"');
 %!  write_below(folder, 'toy/second.h', 'constexpr double result = 42;');
-%!  for file = [{'kelvane_mex.build', 'kelvane_mex.map', 'matlab/kelvane_build.m', 'matlab/kelvane_mex.m'}, ...
+%!  for file = [{'kelvane.build', 'kelvane.map'}, strcat('matlab/kelvane_', {'build.m', 'mex.m', 'engine.m'}), ...
 %!              strcat('matlab/private/', names_in(fullfile(here, 'private')))]
 %!    write_below(folder, file{1}, fileread(fullfile(here, '..', file{1})));
 %!  end
@@ -60,26 +62,27 @@
 %! for round = 1:2  % the second one finds a module there
 %!   said = build_from(project, 'Output', fullfile(work, 'm[1]'));
 %!   assert(~isempty(strfind(said, 'linking')));
-%!   assert(names_in(fullfile(work, 'm[1]')), {'kelvane_mex.mex'});
+%!   assert(names_in(fullfile(work, 'm[1]')), {'kelvane_engine.mex', 'kelvane_mex.mex'});
 %! end
 %! assert(fileread(fullfile(work, 'm1', 'kelvane_mex.mex')), 'of somebody else');
 %! assert(names_in(work), {'for files', 'm1', 'm[1]', project(numel(work) + 2:end)});
 %! assert(names_in(fullfile(work, 'for files')), cell(1, 0));
 %! assert(names_in(project), in_project);
-%! run_it = sprintf('octave-cli --norc -q --path "%s" --eval "disp(kelvane_mex())"', fullfile(work, 'm[1]'));
+%! run_it = sprintf('octave-cli --norc -q --path "%s" --eval "disp([kelvane_mex(), kelvane_engine()])"', ...
+%!                  fullfile(work, 'm[1]'));
 %! [status, printed] = system(run_it);
-%! assert(strtrim(printed), '42');
+%! assert(strsplit(strtrim(printed)), {'42', '43'});
 
-%!test  % a source that does not compile: an error, the module there before stays, and nothing else is left
+%!test  % a source that does not compile: an error, the modules there before stay, and nothing else is left
 %! [work, removing] = work_folder();
 %! project = fullfile(work, 'project');
 %! make_project(project);
-%! write_below(project, 'kelvane_mex.cpp', 'no C++');
+%! write_below(project, 'mex_engine/last.cpp', 'no C++');
 %! write_below(work, 'out/kelvane_mex.mex', 'the last one');
 %! fail('build_from(project, ''Output'', fullfile(work, ''out''))', 'exited with failure');
 %! assert(fileread(fullfile(work, 'out', 'kelvane_mex.mex')), 'the last one');
 %! assert(names_in(fullfile(work, 'out')), {'kelvane_mex.mex'});
-%! assert(any(strcmp(names_in(project), 'kelvane_mex.build')));  % what the folder of the build led to is there
+%! assert(any(strcmp(names_in(project), 'kelvane.build')));  % what the folder of the build led to is there
 
 %!test  % a folder that cannot be had is named before anything is compiled
 %! [work, removing] = work_folder();

@@ -8,7 +8,7 @@
 
 %!function names = public_functions()
 %!  files = dir(fullfile(fileparts(which('kelvane_refine')), 'kelvane_*.m'));
-%!  names = strrep({files.name}, '.m', '');
+%!  names = setdiff(strrep({files.name}, '.m', ''), {'kelvane_engine'});
 %!endfunction
 
 % Names of one kind, or of the kinds joined by |, in their order. Entries without a type make jsondecode give a cell.

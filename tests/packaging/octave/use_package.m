@@ -3,9 +3,9 @@
 function use_package()
   before = path();
   pkg('load', 'kelvane');
-  assert(exist('kelvane_mex'), 3);
-  text = get_help_text('kelvane_mex');
-  assert(strncmp(strtrim(text), 'KELVANE_MEX  Refine a camera pose', 33));
+  assert([exist('kelvane_mex'), exist('kelvane_engine')], [3, 3]);
+  assert(strncmp(strtrim(get_help_text('kelvane_mex')), 'KELVANE_MEX  Refine a camera pose', 33));
+  assert(strncmp(strtrim(get_help_text('kelvane_engine')), 'KELVANE_ENGINE  The compiled engine', 35));
   assert(~isempty(strfind(evalc('news kelvane'), 'Features')));
   for section = pkg('describe', 'kelvane'){1}.provides
     for name = section{1}.functions
@@ -15,6 +15,6 @@ function use_package()
   refine_known_pose();
   pkg('unload', 'kelvane');
   assert(path(), before);
-  assert(exist('kelvane_mex'), 0);
+  assert([exist('kelvane_mex'), exist('kelvane_engine')], [0, 0]);
   assert(exist('kelvane_refine'), 0);
 end

@@ -1,0 +1,73 @@
+% SPDX-License-Identifier: BSD-3-Clause
+% The results of kelvane_engine('refine', ...) as a struct array with an element for each problem: pose, info, exitflag,
+% rms_before, rms_after, error, identifier and state. points and observations, cells of what was handed over, complete the
+% infos. Nothing is done problem by problem, and by functions of the interpreter itself: anything else would take longer
+% than the refinements.
+function rows = refined_rows(found, starts, points, observations)
+  n = size(found.figures, 2);
+  figures = num2cell(found.figures);
+  failed = ~cellfun('isempty', found.identifier);
+  poses = pose_structs([found.steps(4:15, :), found.pose]);
+  num_steps = size(found.steps, 2);
+  finals = poses(num_steps + 1:end);
+  found.pose = finals;
+  found.history = mat2cell(steps_of(found.steps, poses(1:num_steps)), 1, found.num_steps);
+  found.message = repeated(found.message);
+  found.points = completed(found.points, points);
+  found.observations = completed(found.observations, observations);
+  infos = num2cell(infos_of(found, figures));
+  for k = find(~found.is_found & ~failed)
+    infos{k} = struct('iteration', figures{8, k}, 'rms', found.history{k}.rms, 'turn', found.history{k}.turn, ...
+                      'shift', found.history{k}.shift);
+  end
+  infos(failed) = {[]};
+  written = found.written;
+  written(found.is_struct) = finals(found.is_struct);
+  written(found.is_start) = starts(found.is_start);
+  figures(1:3, ~found.is_found) = {NaN};
+  texts = cell(2, n);
+  texts(:) = {''};
+  texts(:, failed) = [found.message(failed); found.identifier(failed)];
+  rows = struct('pose', written, 'info', infos, 'exitflag', figures(1, :), 'rms_before', figures(2, :), ...
+                'rms_after', figures(3, :), 'error', texts(1, :), 'identifier', texts(2, :), 'state', found.state);
+end
+
+% A cell of structs of kelvane_pose, from columns with the rotation's nine elements and the centre.
+function poses = pose_structs(columns)
+  n = size(columns, 2);
+  rotations = mat2cell(reshape(columns(1:9, :), 3, 3 * n), 3, 3 * ones(1, n));
+  centres = mat2cell(columns(10:12, :), 3, ones(1, n));
+  poses = num2cell(struct('rotation', rotations, 'centre', centres, 'form', 'pose', 'frame', 'world_from_camera'));
+end
+
+function steps = steps_of(columns, poses)
+  values = num2cell(columns(1:3, :));
+  steps = struct('pose', poses, 'rms', values(1, :), 'turn', values(2, :), 'shift', values(3, :));
+end
+
+function infos = infos_of(found, figures)
+  n = size(figures, 2);
+  covariances = mat2cell(reshape(found.covariance, 6, 6 * n), 6, 6 * ones(1, n));
+  cameras = mat2cell(reshape(found.intrinsics, 3, 3 * n), 3, 3 * ones(1, n));
+  cameras(found.sees_directions) = {[]};
+  infos = struct('exitflag', figures(1, :), 'message', found.message, 'rms_before', figures(2, :), ...
+                 'rms_after', figures(3, :), 'rms_plain_before', figures(4, :), 'rms_plain_after', figures(5, :), ...
+                 'rms_inliers_before', figures(6, :), 'rms_inliers_after', figures(7, :), 'iterations', figures(8, :), ...
+                 'residuals', found.residuals, 'history', found.history, 'covariance', covariances, ...
+                 'noise_sigma', figures(9, :), 'inliers', found.inliers, 'num_inliers', figures(10, :), ...
+                 'loss_scale', figures(11, :), 'num_behind', figures(12, :), 'num_left_out', figures(13, :), ...
+                 'pose', found.pose, 'points', found.points, 'observations', found.observations, 'intrinsics', cameras);
+end
+
+% A text that is the same as the one before it comes empty.
+function texts = repeated(texts)
+  is_new = ~cellfun('isempty', texts);
+  is_new(1:min(1, end)) = true;
+  different = texts(is_new);
+  texts = different(cumsum(is_new));
+end
+
+function arrays = completed(arrays, given)
+  same = cellfun('isempty', arrays);
+  arrays(same) = given(same);
+end

@@ -1,0 +1,50 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// By name.
+#include "mex_engine/answer.h"
+
+#include "mex_engine/host_struct.h"
+#include "mex_engine/sentence.h"
+
+namespace kelvane::mex_engine {
+namespace {
+
+struct Question {
+  const char* name;
+  int least_inputs, most_inputs;  // behind the name
+  int most_outputs;
+  std::unique_ptr<Answer> (*answer)(const Inputs&);
+};
+
+constexpr Question questions[] = {
+    {"refine", 5, 8, 1, refine_poses},
+    {"project", 3, 4, 3, project_points},
+    {"pose", 1, 5, 1, convert_pose},
+};
+
+const Question& question_of(const mxArray* name) {
+  const std::string wanted = text_in(name, "The first input");
+  for (const Question& question : questions) {
+    if (wanted == question.name) return question;
+  }
+  refuse("inputs", "There are 'refine', 'project' and 'pose', but no " + quoted(wanted) + ".");
+}
+
+}  // namespace
+
+std::unique_ptr<Answer> answer_to(int num_outputs, int num_inputs, const mxArray* const* inputs) {
+  if (num_inputs < 1) refuse("inputs", "The first input must be the name of what to do.");
+  const Question& question = question_of(inputs[0]);
+  const Inputs rest{num_inputs - 1, inputs + 1};
+  if (rest.count < question.least_inputs || rest.count > question.most_inputs) {
+    refuse("inputs", std::string("'") + question.name + "' needs " + std::to_string(question.least_inputs) + " to " +
+                         std::to_string(question.most_inputs) + " more inputs; there are " +
+                         std::to_string(rest.count) + ".");
+  }
+  if (num_outputs > question.most_outputs) {
+    refuse("outputs",
+           std::string("Too many outputs: '") + question.name + "' has " + std::to_string(question.most_outputs) + ".");
+  }
+  return question.answer(rest);
+}
+
+}  // namespace kelvane::mex_engine

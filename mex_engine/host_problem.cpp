@@ -1,0 +1,55 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Reading in the order in which errors are told.
+#include "mex_engine/host_problem.h"
+
+#include "mex_engine/read_camera.h"
+#include "mex_engine/sentence.h"
+
+namespace kelvane::mex_engine {
+namespace {
+
+Numbers numbers_of(const Columns& columns) { return {columns.numbers.data(), columns.numbers.size()}; }
+
+Camera_model camera_for(const mxArray* intrinsics, std::size_t d) {
+  const Camera_model camera = read_camera(intrinsics);
+  if (camera.sees_directions != (d == 3)) {
+    refuse("intrinsics", "With " + text(d) + " x N observations the intrinsics must be " +
+                             (d == 3 ? "[]" : "[f cx cy], K or cameraIntrinsics") + ".");
+  }
+  return camera;
+}
+
+}  // namespace
+
+Host_problem::Host_problem(const Given_inputs& inputs, const Given_options& options)
+    : options_(options),
+      start_(read_raw_pose(inputs.start, options.pose_form, options.pose_frame)),
+      observations_(read_observations(inputs.observations)),
+      points_(read_points(inputs.points, observations_)) {
+  const Camera_model camera = camera_for(inputs.intrinsics, observations_.numbers.rows());
+  problem_ = {start_.pose, numbers_of(points_), numbers_of(observations_), camera};
+  if (options.weights != nullptr) {
+    weights_ = read_weights(options.weights, observations_);
+    problem_.weights = numbers_of(*weights_);
+  }
+  choose_output();
+}
+
+void Host_problem::choose_output() {
+  output_form_ = options_.output_form.empty() ? start_.form : &pose_form(options_.output_form);
+  const bool keeps_frame =
+      options_.output_frame.empty() && (output_form_ == start_.form || output_form_->frame == nullptr);
+  output_frame_ = keeps_frame ? start_.frame : frame_of(*output_form_, options_.output_frame);
+}
+
+std::string Host_problem::message_of(const Bad_argument& error) const {
+  const Columns* const columns = error.name() == "points"         ? &points_
+                                 : error.name() == "observations" ? &observations_
+                                 : error.name() == "weights"      ? &*weights_
+                                                                  : nullptr;
+  const char* const name = columns != nullptr ? columns->numbers.name() : error.name().c_str();
+  if (columns == nullptr || error.where() == Bad_argument::Where::whole) return name + error.sentence();
+  return place_of(error, name, *columns) + error.sentence();
+}
+
+}  // namespace kelvane::mex_engine

@@ -1,0 +1,23 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Texts of the host.
+#include "mex_engine/host_struct.h"
+
+#include "mex_engine/sentence.h"
+
+namespace kelvane::mex_engine {
+
+std::string text_in(const mxArray* array, const std::string& name) {
+  if (array == nullptr) return {};
+  if (num_elements(array) == 0 && (mxIsChar(array) || mxIsNumeric(array))) return {};
+  if (!mxIsChar(array) || mxGetM(array) != 1 || mxGetNumberOfDimensions(array) > 2) {
+    refuse("notText", name + " must be a text; this is of class " + mxGetClassName(array) + ".");
+  }
+  std::string value(num_elements(array) + 1, '\0');  // with the zero that the host writes
+  if (mxGetString(array, value.data(), static_cast<mwSize>(value.size())) != 0) {
+    refuse("notText", name + " must be a text of single bytes.");
+  }
+  value.pop_back();
+  return value;
+}
+
+}  // namespace kelvane::mex_engine

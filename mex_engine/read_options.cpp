@@ -1,0 +1,83 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Fields of a struct of options.
+#include "mex_engine/read_options.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+#include "mex_engine/host_numbers.h"
+#include "mex_engine/host_struct.h"
+#include "mex_engine/sentence.h"
+
+namespace kelvane::mex_engine {
+namespace {
+
+constexpr double least_positive = std::numeric_limits<double>::min();
+
+/// NaN where it is not one real number.
+double number_in(const mxArray* value) {
+  if (!mxIsNumeric(value) || num_elements(value) != 1 || mxIsComplex(value)) return std::nan("");
+  return *Host_numbers(value, "").data();
+}
+
+bool is_given(const mxArray* value) { return value != nullptr && num_elements(value) > 0; }
+
+/// Takes a number of 0 or more, where there is one.
+void read_number(const mxArray* value, const char* name, double& number) {
+  if (value == nullptr) return;
+  number = number_in(value);
+  if (!(number >= 0.0)) refuse("option", std::string(name) + " must be a number of 0 or more.");
+}
+
+/// Takes a number above 0, where there is one that is not empty.
+void read_positive(const mxArray* value, const char* name, double& number) {
+  if (!is_given(value)) return;
+  number = number_in(value);
+  if (!(number >= least_positive) || std::isinf(number)) {
+    refuse("option", std::string(name) + " must be a number above 0 and finite.");
+  }
+}
+
+void read_iterations(const mxArray* value, int& number) {
+  double wanted = number;
+  read_number(value, words.max_iterations, wanted);
+  if (wanted != std::floor(wanted)) {
+    refuse("option", std::string(words.max_iterations) + " must be a whole number; this is " + text_of(wanted) + ".");
+  }
+  number = static_cast<int>(std::min(wanted, static_cast<double>(std::numeric_limits<int>::max())));
+}
+
+void read_loss(const mxArray* value, Loss& loss) {
+  const char* const names[] = {"none", "huber", "cauchy", "tukey"};
+  if (!is_given(value)) return;
+  const std::string wanted = text_in(value, "Loss");
+  const auto* const found = std::find(std::begin(names), std::end(names), wanted);
+  if (found == std::end(names)) refuse("loss", quoted(wanted) + " is not a loss.");
+  loss = static_cast<Loss>(found - std::begin(names));
+}
+
+}  // namespace
+
+Given_options read_options(const mxArray* options) {
+  if (!mxIsStruct(options) || num_elements(options) != 1) {
+    refuse("inputs", "options must be a struct, or a cell of structs, one for each problem.");
+  }
+  Given_options given;
+  const auto of = [&](const char* name) { return field(options, 0, name); };
+  read_loss(of("Loss"), given.refine.loss);
+  read_iterations(of("MaxIterations"), given.refine.max_iterations);
+  read_number(of("StepTolerance"), words.step_tolerance, given.refine.step_tolerance);
+  read_number(of("FunctionTolerance"), words.function_tolerance, given.refine.function_tolerance);
+  read_positive(of("LossScale"), words.loss_scale, given.refine.loss_scale);
+  read_positive(of("NoiseSigma"), "NoiseSigma", given.refine.noise_sigma);
+  given.pose_form = text_in(of("PoseForm"), "PoseForm");
+  given.pose_frame = text_in(of("PoseFrame"), "PoseFrame");
+  given.output_form = text_in(of("OutputForm"), "OutputForm");
+  given.output_frame = text_in(of("OutputFrame"), "OutputFrame");
+  if (is_given(of("Weights"))) given.weights = of("Weights");
+  given.is_stopped = is_given(of("Stop")) && mxIsLogical(of("Stop")) && *Host_numbers(of("Stop"), "Stop").data() != 0.0;
+  return given;
+}
+
+}  // namespace kelvane::mex_engine

@@ -1,0 +1,30 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// The options of a refinement as hosts hand them over.
+#pragma once
+
+#include <mex.h>
+
+#include <cstddef>
+#include <string>
+
+#include "pose_refinement/refine.h"
+#include "pose_refinement/words.h"
+
+namespace kelvane::mex_engine {
+
+/// Names and numbers as hosts tell them.
+inline constexpr Words words{1, "StepTolerance", "FunctionTolerance", "MaxIterations", "LossScale", "OutputFcn"};
+
+/// What a struct of options says, with empty texts and null for what it leaves open.
+struct Given_options {
+  Refine_options refine;
+  const mxArray* weights = nullptr;
+  std::string pose_form, pose_frame;
+  std::string output_form, output_frame;
+  bool is_stopped = false;  ///< a refinement on the way shall end
+};
+
+/// From a struct of one element. Throws Bad_argument.
+Given_options read_options(const mxArray* options);
+
+}  // namespace kelvane::mex_engine

@@ -1,0 +1,205 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Array by array. Plain data only: the host's functions may throw or jump.
+#include "mex_engine/refined.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "pose_refinement/motion.h"
+
+namespace kelvane::mex_engine {
+namespace {
+
+constexpr const char* names[] = {"is_found",  "figures",   "pose",      "covariance",   "intrinsics", "sees_directions",
+                                 "is_start",  "is_struct", "num_steps", "steps",        "message",    "identifier",
+                                 "residuals", "inliers",   "points",    "observations", "written",    "state"};
+constexpr std::size_t num_names = sizeof names / sizeof names[0];
+
+mxArray* created_matrix(std::size_t rows, std::size_t columns) {
+  return mxCreateDoubleMatrix(static_cast<mwSize>(rows), static_cast<mwSize>(columns), mxREAL);
+}
+
+mxArray* created_row(const std::vector<double>& values) {
+  mxArray* row = created_matrix(1, values.size());
+  std::copy(values.begin(), values.end(), mxGetPr(row));
+  return row;
+}
+
+mxArray* created_flags(const std::vector<unsigned char>& flags) {
+  mxArray* row = mxCreateLogicalMatrix(1, static_cast<mwSize>(flags.size()));
+  std::transform(flags.begin(), flags.end(), mxGetLogicals(row), [](unsigned char flag) { return flag != 0; });
+  return row;
+}
+
+/// The rotation's columns, then the centre; returns what is behind.
+double* put_pose(const Pose& pose, double* to) {
+  for (int i = 0; i < 9; ++i) *to++ = pose.rotation[i % 3][i / 3];
+  return std::copy_n(pose.centre, 3, to);
+}
+
+double* put_step(const Refine_step& step, double* to) {
+  *to++ = step.rms;
+  *to++ = step.turn;
+  *to++ = step.shift;
+  return put_pose(step.pose, to);
+}
+
+/// Everything that is one number. Of a refinement on the way its number of iterations alone.
+void put_figures(const Refine_task& task, double* to) {
+  const Refine_result& found = task.result;
+  const double figures[] = {
+      static_cast<double>(found.exit),
+      found.before.robust,
+      found.after.robust,
+      found.before.plain,
+      found.after.plain,
+      found.before.inliers,
+      found.after.inliers,
+      task.is_over ? static_cast<double>(found.history.size()) - 1.0 : static_cast<double>(task.num_iterations),
+      found.noise_sigma,
+      static_cast<double>(found.num_inliers),
+      found.loss_scale,
+      static_cast<double>(found.num_behind),
+      static_cast<double>(found.num_left_out)};
+  std::copy(std::begin(figures), std::end(figures), to);
+}
+constexpr std::size_t num_figures = 13;
+
+/// Null where the caller's own array is the same.
+mxArray* columns_or_null(const Columns& columns) {
+  return columns.numbers.is_as_given() ? nullptr : written_columns(columns);
+}
+
+/// The first n problems as fields of a struct.
+class Writer {
+ public:
+  Writer(const std::vector<Refined>& refined, std::size_t n) : refined_(refined), n_(n) {
+    result_ = mxCreateStructMatrix(1, 1, static_cast<int>(num_names), const_cast<const char**>(names));
+  }
+
+  mxArray* run() {
+    write_numbers();
+    write_steps();
+    write_cells();
+    return result_;
+  }
+
+ private:
+  void add(const char* name, mxArray* value) {
+    const auto* const found = std::find_if(std::begin(names), std::end(names),
+                                           [name](const char* other) { return std::strcmp(name, other) == 0; });
+    mxSetFieldByNumber(result_, 0, static_cast<int>(found - std::begin(names)), value);
+  }
+
+  /// A matrix of so many rows, which `put(refined, column)` fills; zeros where there is no result.
+  template <typename Put>
+  void add_columns(const char* name, std::size_t rows, const Put& put) {
+    mxArray* matrix = created_matrix(rows, n_);
+    for (std::size_t k = 0; k < n_; ++k) {
+      if (!refined_[k].has_failed()) put(refined_[k], mxGetPr(matrix) + rows * k);
+    }
+    add(name, matrix);
+  }
+
+  template <typename Is>
+  void add_flags(const char* name, const Is& is) {
+    mxArray* row = mxCreateLogicalMatrix(1, static_cast<mwSize>(n_));
+    for (std::size_t k = 0; k < n_; ++k) mxGetLogicals(row)[k] = !refined_[k].has_failed() && is(refined_[k]);
+    add(name, row);
+  }
+
+  /// A cell of what `make(refined)` returns; null leaves an element empty.
+  template <typename Make>
+  void add_cell(const char* name, const Make& make) {
+    mxArray* cell = mxCreateCellMatrix(1, static_cast<mwSize>(n_));
+    for (std::size_t k = 0; k < n_; ++k) {
+      mxArray* value = make(refined_[k]);
+      if (value != nullptr) mxSetCell(cell, static_cast<mwIndex>(k), value);
+    }
+    add(name, cell);
+  }
+
+  void write_numbers() {
+    add_columns("figures", num_figures, [](const Refined& one, double* to) { put_figures(*one.task, to); });
+    add_columns("pose", 12, [](const Refined& one, double* to) {
+      put_pose(one.task->is_over ? one.task->result.pose : one.task->step.pose, to);
+    });
+    add_columns("covariance", 36, [](const Refined& one, double* to) {  // symmetric
+      std::copy_n(&one.task->result.covariance[0][0], 36, to);
+    });
+    add_columns("intrinsics", 9, [](const Refined& one, double* to) {
+      const Camera_model& camera = one.problem->problem().camera;
+      const double columns[] = {camera.fx, 0.0, 0.0, camera.skew, camera.fy, 0.0, camera.cx, camera.cy, 1.0};
+      std::copy(std::begin(columns), std::end(columns), to);
+    });
+    add_flags("sees_directions", [](const Refined& one) { return one.problem->problem().camera.sees_directions; });
+    add_flags("is_found", [](const Refined& one) { return one.is_found(); });
+    add_flags("is_struct", [](const Refined& one) { return one.problem->is_output_struct(); });
+    add_flags("is_start", [](const Refined& one) {
+      const bool is_start = one.is_found() && are_same(one.task->result.pose, one.problem->problem().start);
+      return is_start && one.problem->is_start_in_output_form();
+    });
+  }
+
+  /// Steps of all problems behind each other: of one that is over its history, of one on the way the newest.
+  void write_steps() {
+    std::size_t total = 0;
+    add_columns("num_steps", 1, [&](const Refined& one, double* to) {
+      const std::size_t count = one.task->is_over ? one.task->result.history.size() : 1;
+      *to = static_cast<double>(count);
+      total += count;
+    });
+    mxArray* steps = created_matrix(15, total);
+    double* to = mxGetPr(steps);
+    for (std::size_t k = 0; k < n_; ++k) {
+      const Refine_task& task = *refined_[k].task;
+      if (refined_[k].has_failed()) continue;
+      if (!task.is_over) to = put_step(task.step, to);
+      for (const Refine_step& step : task.result.history) to = put_step(step, to);
+    }
+    add("steps", steps);
+  }
+
+  void write_cells() {
+    const std::string* before = nullptr;  // the same text again is left empty
+    add_cell("message", [&](const Refined& one) {
+      const std::string& message = one.has_failed() ? one.message : one.task->result.message;
+      const bool is_new = before == nullptr || *before != message;
+      before = &message;
+      return is_new ? mxCreateString(message.c_str()) : nullptr;
+    });
+    add_cell("identifier",
+             [](const Refined& one) { return one.has_failed() ? mxCreateString(one.identifier.c_str()) : nullptr; });
+    add_cell("residuals", [](const Refined& one) {
+      if (!one.is_found()) return static_cast<mxArray*>(nullptr);
+      const std::size_t rows = one.problem->observations().numbers.rows();
+      mxArray* residuals = created_matrix(rows, one.task->result.residuals.size() / rows);
+      std::copy(one.task->result.residuals.begin(), one.task->result.residuals.end(), mxGetPr(residuals));
+      return residuals;
+    });
+    add_cell("inliers",
+             [](const Refined& one) { return one.is_found() ? created_flags(one.task->result.is_inlier) : nullptr; });
+    add_cell("points",
+             [](const Refined& one) { return one.is_found() ? columns_or_null(one.problem->points()) : nullptr; });
+    add_cell("observations", [](const Refined& one) {
+      if (!one.is_found()) return static_cast<mxArray*>(nullptr);
+      const Columns& seen = one.problem->observations();
+      return seen.numbers.rows() == 3 ? written_directions(seen) : columns_or_null(seen);
+    });
+    add_cell("written", [](const Refined& one) {
+      if (one.has_failed() || one.problem->is_output_struct()) return static_cast<mxArray*>(nullptr);
+      return one.problem->written(one.task->is_over ? one.task->result.pose : one.task->step.pose);
+    });
+    add_cell("state", [](const Refined& one) { return one.task->is_over ? nullptr : created_row(one.task->state); });
+  }
+
+  const std::vector<Refined>& refined_;
+  std::size_t n_;
+  mxArray* result_;
+};
+
+}  // namespace
+
+mxArray* written_results(const std::vector<Refined>& refined, std::size_t n) { return Writer(refined, n).run(); }
+
+}  // namespace kelvane::mex_engine

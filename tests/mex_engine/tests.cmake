@@ -1,0 +1,3 @@
+# SPDX-License-Identifier: BSD-3-Clause
+# Tests of what the engine hands to a host, in the stand-in host.
+kelvane_add_test(mex_engine/same_bits engine_host)
