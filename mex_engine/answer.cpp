@@ -17,6 +17,7 @@ struct Question {
 
 constexpr Question questions[] = {
     {"refine", 5, 8, 1, refine_poses},
+    {"descend", 5, 8, 1, descend},
     {"project", 3, 4, 3, project_points},
     {"pose", 1, 5, 1, convert_pose},
 };
@@ -26,7 +27,7 @@ const Question& question_of(const mxArray* name) {
   for (const Question& question : questions) {
     if (wanted == question.name) return question;
   }
-  refuse("inputs", "There are 'refine', 'project' and 'pose', but no " + quoted(wanted) + ".");
+  refuse("inputs", "There are 'refine', 'descend', 'project' and 'pose', but no " + quoted(wanted) + ".");
 }
 
 }  // namespace

@@ -30,6 +30,7 @@ struct Inputs {
 
 // Each of these throws Bad_argument or std::bad_alloc.
 std::unique_ptr<Answer> refine_poses(const Inputs& inputs);
+std::unique_ptr<Answer> descend(const Inputs& inputs);
 std::unique_ptr<Answer> project_points(const Inputs& inputs);
 std::unique_ptr<Answer> convert_pose(const Inputs& inputs);
 

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // results = kelvane_engine('refine', starts, points, observations, intrinsics, options, states, seconds, num_threads)
+// states = kelvane_engine('descend', the same): the iteration alone, and from where 'refine' makes its results.
 #include <algorithm>
 #include <chrono>
 #include <cmath>
@@ -55,7 +56,7 @@ std::vector<double> state_in(const mxArray* states, std::size_t k) {
 
 class Refinements final : public Answer {
  public:
-  explicit Refinements(const Inputs& inputs) {
+  Refinements(const Inputs& inputs, bool only_states) : only_states_(only_states) {
     const Deadline deadline = deadline_in(number_or(inputs[6], "seconds", std::numeric_limits<double>::infinity()));
     constexpr double most_threads = 1024.0;
     const double num_threads = std::min(number_or(inputs[7], "num_threads", 1.0), most_threads);
@@ -73,7 +74,7 @@ class Refinements final : public Answer {
   }
 
   void write(int /*num_outputs*/, mxArray* outputs[]) const override {
-    outputs[0] = written_results(refined_, num_begun_);
+    outputs[0] = only_states_ ? written_states(refined_) : written_results(refined_, num_begun_);
   }
 
  private:
@@ -98,6 +99,7 @@ class Refinements final : public Answer {
       task.options = &options.refine;
       task.words = &words;
       task.state = state_in(inputs[5], k);
+      task.only_state = only_states_;
       task.shall_stop = options.is_stopped;
     } catch (const Bad_argument& error) {
       task.error = error;
@@ -114,6 +116,7 @@ class Refinements final : public Answer {
   }
 
   const Bad_argument out_of_memory_{"memory", "", "out of memory"};  // while there is some left to say so
+  const bool only_states_;
   bool has_own_options_ = false;
   std::vector<Given_options> options_;
   std::vector<Refined> refined_;
@@ -123,6 +126,8 @@ class Refinements final : public Answer {
 
 }  // namespace
 
-std::unique_ptr<Answer> refine_poses(const Inputs& inputs) { return std::make_unique<Refinements>(inputs); }
+std::unique_ptr<Answer> refine_poses(const Inputs& inputs) { return std::make_unique<Refinements>(inputs, false); }
+
+std::unique_ptr<Answer> descend(const Inputs& inputs) { return std::make_unique<Refinements>(inputs, true); }
 
 }  // namespace kelvane::mex_engine

@@ -202,4 +202,13 @@ class Writer {
 
 mxArray* written_results(const std::vector<Refined>& refined, std::size_t n) { return Writer(refined, n).run(); }
 
+mxArray* written_states(const std::vector<Refined>& refined) {
+  mxArray* states = mxCreateCellMatrix(1, static_cast<mwSize>(refined.size()));
+  for (std::size_t k = 0; k < refined.size(); ++k) {
+    const std::vector<double>& state = refined[k].task->state;
+    if (!state.empty()) mxSetCell(states, static_cast<mwIndex>(k), created_row(state));
+  }
+  return states;
+}
+
 }  // namespace kelvane::mex_engine

@@ -25,4 +25,7 @@ struct Refined {
 /// it. matlab/private/refined_rows.m takes it apart. Calls the host alone, and owns nothing.
 mxArray* written_results(const std::vector<Refined>& refined, std::size_t n);
 
+/// A cell with the state of each, [] where there is none. Likewise.
+mxArray* written_states(const std::vector<Refined>& refined);
+
 }  // namespace kelvane::mex_engine

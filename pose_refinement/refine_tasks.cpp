@@ -18,7 +18,7 @@ void refine(Refine_task& task, Deadline deadline) {
   if (is_resumed) refinement.resume(task.state.data(), task.state.size());
   if (is_resumed && task.shall_stop) refinement.stop();
   task.is_over = refinement.run(deadline);
-  if (task.is_over) {
+  if (task.is_over && !task.only_state) {
     task.result = refinement.result();
     task.state.clear();
   } else {

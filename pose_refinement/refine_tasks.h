@@ -16,11 +16,12 @@ struct Refine_task {
   const Refine_problem* problem = nullptr;
   const Refine_options* options = nullptr;
   const Words* words = &words_of_cpp;
-  std::vector<double> state = {};  ///< in: of an earlier call, or empty; out: where it was left, empty when over
+  std::vector<double> state = {};  ///< in: of an earlier call, or empty; out: where it was left, empty with a result
+  bool only_state = false;         ///< in: when over, its state in place of the result, see Refinement::state()
   bool shall_stop = false;         ///< in: one with a state ends there, see Refinement::stop()
   bool has_begun = false;          ///< out
   bool is_over = false;            ///< out
-  Refine_result result = {};       ///< out, when over without error
+  Refine_result result = {};       ///< out, when over without error, unless only_state
   Refine_step step = {};           ///< out, the newest, when left
   std::size_t num_iterations = 0;  ///< out, likewise
   /// In: with one it is over. Out, when over with an error; the identifier is "memory" for bad_alloc.

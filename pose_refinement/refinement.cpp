@@ -8,7 +8,6 @@
 #include "pose_refinement/bad_argument.h"
 #include "pose_refinement/mirrored.h"
 #include "pose_refinement/options.h"
-#include "pose_refinement/report.h"
 
 namespace kelvane {
 namespace {
@@ -19,6 +18,14 @@ template <typename Argument>
 const Argument& passed(const Argument& argument) {
   check(argument);
   return argument;
+}
+
+/// Whether run() may have come to this end.
+bool can_end(Refine_exit exit, std::size_t num_steps, const Refine_options& options) {
+  const auto most = static_cast<std::size_t>(options.max_iterations);
+  if (exit == Refine_exit::max_iterations) return num_steps == most;
+  if (exit == Refine_exit::decrease && !(options.function_tolerance > 0.0)) return false;
+  return num_steps <= most && (num_steps > 0 || exit == Refine_exit::stopped);
 }
 
 bool may_look_from_other_side(const std::optional<Refine_exit>& exit) { return exit && *exit != Refine_exit::no_cost; }
@@ -45,7 +52,9 @@ void Refinement::resume(const double* state, std::size_t size) {
     if (!(std::isfinite(cost) && cost == entry.cost)) refuse_state();
   };
   if (resumed.first) check_cost(resumed.descent.history[resumed.first->num_entries - 1], resumed.first->scale);
-  check_cost(resumed.descent.history.back(), resumed.descent.loss.scale);
+  const Descent_state& descent = resumed.descent;
+  check_cost(descent.history.back(), descent.loss.scale);
+  if (descent.exit && !can_end(*descent.exit, descent.history.size() - 1, input_.options)) refuse_state();
   state_ = std::move(resumed);
 }
 
@@ -97,7 +106,18 @@ Refine_step Refinement::last_step() const {
   return {world.to_users(last.pose), rms, last.turn, last.shift * world.unit};
 }
 
-Refine_result Refinement::result() const {
+/// Of one that is over nothing is left but what it came to.
+std::vector<double> Refinement::state() const {
+  if (!state_.descent.exit) return row_of(state_);
+  Descent_outcome found = outcome();
+  if (found.exit == Refine_exit::no_cost) return {};
+  return row_of({{found.loss, 0.0, true, true, std::move(found.history), found.exit}});
+}
+
+Refine_result Refinement::result() const { return report(input_, outcome()); }
+
+/// All costs at the scale in the end.
+Descent_outcome Refinement::outcome() const {
   const Descent_state& descent = state_.descent;
   Descent_outcome outcome{descent.exit.value_or(Refine_exit::stopped), descent.loss, descent.history};
   if (state_.first && !is_other_side_better()) {
@@ -105,7 +125,13 @@ Refine_result Refinement::result() const {
     outcome.loss.scale = state_.first->scale;
     outcome.history.resize(state_.first->num_entries);
   }
-  return report(input_, outcome);
+  Pose_cost cost(input_.data, input_.rows);
+  for (Descent_entry& entry : outcome.history) {
+    if (entry.scale == outcome.loss.scale) continue;
+    entry.cost = cost.cost(entry.pose, outcome.loss);
+    entry.scale = outcome.loss.scale;
+  }
+  return outcome;
 }
 
 /// The mirrored pose is taken if it has led to where the points are in front, and no worse than the start.

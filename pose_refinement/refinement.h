@@ -8,6 +8,7 @@
 
 #include "pose_refinement/refine_input.h"
 #include "pose_refinement/refinement_state.h"
+#include "pose_refinement/report.h"
 
 namespace kelvane {
 
@@ -26,8 +27,9 @@ class Refinement {
   /// Evaluates the start if that has not been done, else makes an iteration or finds that there may be no more, and
   /// goes on so until it is over or the deadline has passed: at least one of these. True when it is over.
   bool run(Deadline deadline);
-  /// Plain numbers, with which another one can go on; after run() that was not over.
-  std::vector<double> state() const { return row_of(state_); }
+  /// Plain numbers, with which another one can go on; after run(). Those of one that is over lead to its result without
+  /// another iteration, and are none where the start has no cost, which is as soon found again.
+  std::vector<double> state() const;
   /// The newest entry, in the caller's world, with the rms on the way as options.watch sees it; after run().
   Refine_step last_step() const;
   /// Number of the newest entry: 0 for the start; after run().
@@ -40,6 +42,7 @@ class Refinement {
  private:
   void advance();
   void look_from_other_side();
+  Descent_outcome outcome() const;
   bool is_other_side_better() const;
 
   Refine_input input_;

@@ -10,12 +10,15 @@
 namespace kelvane {
 namespace {
 
-constexpr double mark = 2001.0;  // of this layout; another one gets another number
-constexpr std::size_t num_once = 8;
+constexpr double mark = 2002.0;  // of this layout; another one gets another number
+constexpr std::size_t num_once = 9;
 constexpr std::size_t num_per_entry = 16;
-/// After which a descent of the mirrored pose may follow, in the order of their numbers in a row.
-constexpr Refine_exit exits_of_first[] = {Refine_exit::step, Refine_exit::rounding, Refine_exit::decrease,
-                                          Refine_exit::uphill};
+constexpr double on_the_way = 100.0;  // in place of an exit
+/// At which a descent comes to its own end; that of the mirrored pose may follow.
+constexpr Refine_exit ends_of_descent[] = {Refine_exit::step, Refine_exit::rounding, Refine_exit::decrease,
+                                           Refine_exit::uphill};
+/// Where somebody else ends it.
+constexpr Refine_exit ends_from_outside[] = {Refine_exit::max_iterations, Refine_exit::stopped};
 
 void append(const Descent_entry& entry, std::vector<double>& row) {
   row.insert(row.end(), &entry.pose.rotation[0][0], &entry.pose.rotation[0][0] + 9);
@@ -30,14 +33,29 @@ Descent_entry entry_of(const double* row) {
   return entry;
 }
 
+template <std::size_t size>
+std::optional<Refine_exit> exit_among(const Refine_exit (&exits)[size], double number) {
+  for (const Refine_exit exit : exits) {
+    if (static_cast<int>(exit) == number) return exit;
+  }
+  return {};
+}
+
+std::optional<Refine_exit> exit_of(double number, bool is_final) {
+  if (number == on_the_way) return {};
+  std::optional<Refine_exit> exit = exit_among(ends_from_outside, number);
+  if (!exit && is_final) exit = exit_among(ends_of_descent, number);
+  if (!exit) refuse_state();
+  return exit;
+}
+
 /// Of an exit, a scale and a number of entries, which is 0 where there is no such descent.
 std::optional<First_descent> first_of(const double* row, std::size_t num_entries) {
   const double count = row[2];
   if (count == 0.0) return {};
   if (!(count >= 1.0 && count <= static_cast<double>(num_entries) && count == std::floor(count))) refuse_state();
-  const auto* const exit = std::find_if(std::begin(exits_of_first), std::end(exits_of_first),
-                                        [row](Refine_exit each) { return static_cast<int>(each) == row[0]; });
-  if (exit == std::end(exits_of_first)) refuse_state();
+  const std::optional<Refine_exit> exit = exit_among(ends_of_descent, row[0]);
+  if (!exit) refuse_state();
   return First_descent{*exit, row[1], static_cast<std::size_t>(count)};
 }
 
@@ -52,9 +70,10 @@ std::vector<double> row_of(const Refinement_state& state) {
   const First_descent first = state.first.value_or(First_descent{Refine_exit::step, 0.0, 0});
   std::vector<double> row;
   row.reserve(num_once + num_per_entry * descent.history.size());
-  row.insert(row.end(), {mark, descent.loss.scale, descent.least_scale, descent.is_final ? 1.0 : 0.0,
-                         descent.is_settled ? 1.0 : 0.0, static_cast<double>(first.exit), first.scale,
-                         static_cast<double>(first.num_entries)});
+  row.insert(row.end(),
+             {mark, descent.loss.scale, descent.least_scale, descent.is_final ? 1.0 : 0.0,
+              descent.is_settled ? 1.0 : 0.0, static_cast<double>(first.exit), first.scale,
+              static_cast<double>(first.num_entries), descent.exit ? static_cast<double>(*descent.exit) : on_the_way});
   for (const Descent_entry& entry : descent.history) append(entry, row);
   return row;
 }
@@ -62,9 +81,12 @@ std::vector<double> row_of(const Refinement_state& state) {
 Refinement_state state_of_row(const double* row, std::size_t size, Loss loss) {
   if (size < num_once + num_per_entry || (size - num_once) % num_per_entry != 0 || row[0] != mark) refuse_state();
   const auto is_flag = [](double value) { return value == 0.0 || value == 1.0; };
-  if (!(row[2] >= 0.0 && std::isfinite(row[2])) || !is_flag(row[3]) || !is_flag(row[4])) refuse_state();
+  if (!(row[1] >= 0.0 && row[2] >= 0.0 && std::isfinite(row[2])) || !is_flag(row[3]) || !is_flag(row[4])) {
+    refuse_state();
+  }
   const std::size_t num_entries = (size - num_once) / num_per_entry;
   Refinement_state state{{{loss, row[1]}, row[2], row[3] != 0.0, row[4] != 0.0}, first_of(row + 5, num_entries)};
+  state.descent.exit = exit_of(row[8], state.descent.is_final);
   state.descent.history.reserve(num_entries);
   for (std::size_t i = 0; i < num_entries; ++i) {
     state.descent.history.push_back(entry_of(row + num_once + num_per_entry * i));

@@ -23,7 +23,7 @@ struct Refinement_state {
   std::optional<First_descent> first = {};
 };
 
-/// A state on the way, to be kept anywhere.
+/// A state with an entry at least, to be kept anywhere.
 std::vector<double> row_of(const Refinement_state& state);
 
 /// There and back, for a loss. Throws Bad_argument where the row is no state; its numbers may still be any.

@@ -68,12 +68,9 @@ class Reporter {
 
   void set_history() {
     const World& world = input_.data.world();
-    Pose_cost own(input_.data, input_.rows);
     result_.history.reserve(outcome_.history.size());
     for (const Descent_entry& entry : outcome_.history) {
-      const bool is_told = entry.scale == outcome_.loss.scale;
-      const double cost = is_told ? entry.cost : own.cost(entry.pose, outcome_.loss);
-      result_.history.push_back({world.to_users(entry.pose), root(cost), entry.turn, entry.shift * world.unit});
+      result_.history.push_back({world.to_users(entry.pose), root(entry.cost), entry.turn, entry.shift * world.unit});
     }
     result_.history.front().pose = input_.problem.start;  // not to the other world and back
   }

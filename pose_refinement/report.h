@@ -13,8 +13,8 @@ namespace kelvane {
 /// What the iteration came to.
 struct Descent_outcome {
   Refine_exit exit;
-  Robust_loss loss;  ///< with the scale in the end
-  std::vector<Descent_entry> history;
+  Robust_loss loss;                    ///< with the scale in the end
+  std::vector<Descent_entry> history;  ///< with costs at that scale
 };
 
 /// The result in the caller's world.

@@ -1,6 +1,7 @@
 % SPDX-License-Identifier: BSD-3-Clause
 % Refines some problems in other processes, by the engine of batch: a row for each. options are those of all problems, which
-% count where problems.options is empty throughout. batch returns with another engine where its own is lost.
+% count where problems.options is empty throughout. batch returns with another engine where its own is lost. What comes back
+% is how far each iteration has come, a few numbers; results, which may be larger than the problems, are made here of them.
 function [rows, batch] = rows_by_processes(problems, options, batch)
   switch batch.Engine
     case 'parcellfun'
@@ -25,10 +26,32 @@ function [rows, batch] = rows_by_processes(problems, options, batch)
       groups = groups_of(problems, options, num_workers);
       answers = without_the_lost(@(some) by_parfor(some, num_workers > 0), groups);
   end
-  for g = numel(answers):-1:1
-    rows{g} = rows_of_group(answers{g}, groups(g, :));
+  [rows, batch] = completed(answers, cellfun('prodofsize', groups(:, 2)), problems, options, batch);
+end
+
+% The rows of groups of so many problems, whose answers are states or the reason of a loss. An error brings no state: it comes
+% again at once.
+function [rows, batch] = completed(answers, sizes, problems, options, batch)
+  states = cell(1, numel(problems));
+  is_lost = false(1, numel(problems));
+  rows = lost_rows('', numel(problems));
+  ends = cumsum(sizes);
+  for g = 1:numel(answers)
+    k = ends(g) - sizes(g) + 1:ends(g);
+    if ischar(answers{g})
+      is_lost(k) = true;
+      rows(k) = lost_rows(answers{g}, sizes(g));
+    else
+      states(k) = answers{g};
+    end
   end
-  rows = [rows{:}];
+  if ~all(is_lost)
+    [rows(~is_lost), batch] = rows_by_threads(problems(~is_lost), options, batch, states(~is_lost));
+  end
+  is_foreign = strcmp({rows.identifier}, 'kelvane:state');  % another processor may round a logarithm in another way
+  if any(is_foreign)
+    [rows(is_foreign), batch] = rows_by_threads(problems(is_foreign), options, batch);
+  end
 end
 
 % Inputs of kelvane_engine, a row for each group of problems. Eight groups a worker: who is done takes another one, so that
@@ -42,7 +65,7 @@ function groups = groups_of(problems, options, num_workers)
     if isempty(own{1})
       own = options;
     end
-    groups(g, :) = {'refine', {some.start}, {some.points}, {some.observations}, {some.intrinsics}, own};
+    groups(g, :) = {'descend', {some.start}, {some.points}, {some.observations}, {some.intrinsics}, own};
   end
 end
 
@@ -65,16 +88,12 @@ function answers = without_the_lost(run, groups)
   end
 end
 
-function rows = rows_of_group(answer, group)
-  if ischar(answer)
-    n = numel(group{2});
-    message = sprintf(['The process with this problem is lost: killed, crashed or out of memory (%s). Other problems that ' ...
-                       'were sent with it: %d.'], answer, n - 1);
-    rows = repmat(struct('pose', [], 'info', [], 'exitflag', NaN, 'rms_before', NaN, 'rms_after', NaN, 'error', message, ...
-                         'identifier', 'kelvane:lostProcess', 'state', []), 1, n);
-  else
-    rows = refined_rows(answer, group{2:4});
-  end
+% Of n problems that were sent together.
+function rows = lost_rows(reason, n)
+  message = sprintf(['The process with this problem is lost: killed, crashed or out of memory (%s). Other problems that ' ...
+                     'were sent with it: %d.'], reason, n - 1);
+  rows = repmat(struct('pose', [], 'info', [], 'exitflag', NaN, 'rms_before', NaN, 'rms_after', NaN, 'error', message, ...
+                       'identifier', 'kelvane:lostProcess', 'state', []), 1, n);
 end
 
 % An error in a worker is an answer as well; parcellfun does not tell which one. To it Ctrl-C is the same as a worker that has

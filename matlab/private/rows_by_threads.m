@@ -1,10 +1,13 @@
 % SPDX-License-Identifier: BSD-3-Clause
 % Refines some problems on threads of this process: a row for each. options are those of all problems, which count where
-% problems.options is empty throughout. The interpreter is back at least every 0.2 s, so that Ctrl-C works.
-function [rows, batch] = rows_by_threads(problems, options, batch)
+% problems.options is empty throughout. states, if any, are where others have left them. The interpreter is back at least
+% every 0.2 s, so that Ctrl-C works.
+function [rows, batch] = rows_by_threads(problems, options, batch, states)
   seconds = 0.2;
   inputs = [{problems.start}; {problems.points}; {problems.observations}; {problems.intrinsics}];
-  states = cell(1, numel(problems));
+  if nargin < 4
+    states = cell(1, numel(problems));
+  end
   waiting = 1:numel(problems);
   while ~isempty(waiting)
     slice = waiting(1:min(end, batch.size_of_slice));

@@ -27,6 +27,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   fuzz::Spoiled_engine_call call(bytes);
   const mex_host::Result result = call.run();
   require(engine::ends_well(result));
+  if (result.output && call.descends()) require(engine::ends_well(call.go_on(*result.output)));
   if (!result.output || !engine::are_results(*result.output)) return 0;
   const mxArray& states = mex_host::field(*result.output, "state");
   const bool is_over = std::all_of(states.elements.begin(), states.elements.end(),

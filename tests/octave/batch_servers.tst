@@ -26,14 +26,15 @@
 %! there = kelvane_batch(problems, 'Connections', connections, 'Progress', 'line', 'Loss', 'huber');
 %! assert(isequaln(here, there));
 %! assert(isnan(there(5).rms_after) && all([there([1:4, 6:8]).exitflag] > 0));
+%! file = tempname();
 %! for k = 1:8
-%!   problems(k).start.tells_process = true;
+%!   problems(k).start.tells_process = file;
 %! end
 %! restoring = stand_in('engine');
-%! there = kelvane_batch(problems, 'Connections', connections, 'Progress', 'off');
-%! processes = unique({there([1:4, 6:8]).error});
-%! assert(numel(processes) >= 2 && ~any(strcmp(processes, sprintf('process %d', getpid()))));
-%! assert(all(strncmp(processes, 'process ', 8)));
+%! kelvane_batch(problems, 'Connections', connections, 'Progress', 'off');
+%! processes = unique(load(file));
+%! delete(file);
+%! assert(numel(processes) >= 2 && ~any(processes == getpid()));
 
 %!test  % where servers are lost all results come all the same, but those that a process dies of; this one does not
 %! for field = {'kills_process_once', 'kills_process'}

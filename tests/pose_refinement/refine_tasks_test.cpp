@@ -129,6 +129,22 @@ TEST(RefineTasks, EndAtTheDeadline) {
   }
 }
 
+/// Here the iterations, there the results.
+TEST(RefineTasks, LeaveTheirResultsToOthers) {
+  Tasks all(30);
+  for (Refine_task& task : all.tasks) task.only_state = true;
+  run_tasks(all.tasks, 2, Deadline::max());
+  for (std::size_t i = 0; i < all.tasks.size(); ++i) {
+    EXPECT_TRUE(all.tasks[i].is_over);
+    EXPECT_TRUE(all.tasks[i].result.history.empty());
+    EXPECT_EQ(all.tasks[i].state.empty(), i % 5 == 4);
+    all.tasks[i].only_state = false;
+    all.tasks[i].error.reset();
+  }
+  run_tasks(all.tasks, 3, Deadline::max());
+  for (std::size_t i = 0; i < all.tasks.size(); ++i) expect_as_alone(all, i);
+}
+
 TEST(RefineTasks, ComeToNothingWithAWrongState) {
   Tasks all(3);
   all.tasks[1].state = {1.0, 2.0};

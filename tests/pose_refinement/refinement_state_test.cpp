@@ -16,6 +16,7 @@ namespace {
 
 using kelvane::Deadline;
 using kelvane::Loss;
+using kelvane::Refine_exit;
 using kelvane::Refine_options;
 using kelvane::Refine_problem;
 using kelvane::Refinement;
@@ -30,6 +31,12 @@ std::size_t num_entries(const Refine_problem& problem, const Refine_options& opt
 std::vector<double> some_state(const Refine_problem& problem, const Refine_options& options, std::size_t num_steps) {
   Refinement refinement(problem, options);
   for (std::size_t k = 0; k <= num_steps; ++k) EXPECT_FALSE(refinement.run(Deadline::min()));
+  return refinement.state();
+}
+
+std::vector<double> last_state(const Refine_problem& problem, const Refine_options& options) {
+  Refinement refinement(problem, options);
+  EXPECT_TRUE(refinement.run(Deadline::max()));
   return refinement.state();
 }
 
@@ -59,9 +66,10 @@ TEST(RefinementState, SurvivesWhatIsNoState) {
   Refine_options options;
   options.loss = Loss::tukey;
   const std::size_t num_steps = num_entries(view, options) - 2;
-  for (const std::size_t step : {std::size_t{0}, num_steps}) {
-    const std::vector<double> good = some_state(view, options, step);
+  for (const std::size_t step : {std::size_t{0}, num_steps, num_steps + 1}) {
+    const std::vector<double> good = step > num_steps ? last_state(view, options) : some_state(view, options, step);
     EXPECT_EQ(good[7] > 0.0, step == num_steps) << "not in the second descent";
+    EXPECT_EQ(good[8]<100.0, step> num_steps) << "not over";
     EXPECT_FALSE(is_refused(view, options, good));
     for (std::size_t i = 0; i < good.size(); ++i) {
       for (const double value : {nan, infinity, -infinity, -1.0, 0.0, 0.5, 3.0, 1e300, good[i] + 1e-3}) {
@@ -69,17 +77,55 @@ TEST(RefinementState, SurvivesWhatIsNoState) {
         std::vector<double> state = good;
         state[i] = value;
         const bool is_wrong_exit = i == 5 && step == num_steps && value != 3.0;
-        const bool must_be = i == 0 || i == 1 || is_wrong_exit || i + 16 >= good.size();  // and the newest entry
+        const bool is_wrong_end = i == 8 && value != -1.0;  // stopped, at any time
+        const bool is_newest = i + 16 >= good.size();
+        const bool must_be = i == 0 || i == 1 || is_wrong_exit || is_wrong_end || is_newest;
         const bool matters = i + 3 < good.size() && value != good[i];  // its scale, turn and shift are but told
         EXPECT_TRUE(is_refused(view, options, state) || !must_be || !matters);
       }
     }
     for (std::size_t size = 0; size < good.size(); ++size) {
-      if (size >= 24 && (size - 8) % 16 == 0) continue;  // an earlier state, perhaps
+      if (size >= 25 && (size - 9) % 16 == 0) continue;  // an earlier state, perhaps
       EXPECT_TRUE(is_refused(view, options, std::vector<double>(good.begin(), good.begin() + static_cast<long>(size))));
     }
   }
-  EXPECT_TRUE(is_refused(view, options, std::vector<double>(24, nan)));
+  EXPECT_TRUE(is_refused(view, options, std::vector<double>(25, nan)));
+}
+
+TEST(RefinementState, RefusesAnEndThatCannotBe) {
+  support::Random random(9);
+  const auto problem = support::random_scene(random, 12, false, 1.0);
+  const Refine_problem view = problem.view();
+  Refine_options options;
+  const auto is_refused_with = [&](std::vector<double> state, Refine_exit exit) {
+    state[8] = static_cast<double>(exit);
+    return is_refused(view, options, state);
+  };
+  const std::vector<double> good = last_state(view, options);
+  const std::vector<double> start = some_state(view, options, 0);
+  const int num_iterations = static_cast<int>(num_entries(view, options)) - 1;
+  EXPECT_FALSE(is_refused_with(good, Refine_exit::uphill));
+  EXPECT_FALSE(is_refused_with(start, Refine_exit::stopped));
+  for (const Refine_exit exit : {Refine_exit::step, Refine_exit::rounding, Refine_exit::uphill}) {
+    EXPECT_TRUE(is_refused_with(start, exit)) << "without an iteration";
+  }
+  std::vector<double> coming_down = good;
+  coming_down[3] = 0.0;
+  EXPECT_TRUE(is_refused_with(coming_down, Refine_exit::step)) << "at a scale that is not the last";
+  for (const Refine_exit exit :
+       {Refine_exit::no_cost, Refine_exit::undetermined, Refine_exit::behind, Refine_exit::failed}) {
+    EXPECT_TRUE(is_refused_with(good, exit)) << "which no iteration has";
+  }
+  EXPECT_TRUE(is_refused_with(good, Refine_exit::decrease));
+  options.function_tolerance = 1e-3;
+  EXPECT_FALSE(is_refused_with(good, Refine_exit::decrease));
+  EXPECT_TRUE(is_refused_with(good, Refine_exit::max_iterations)) << "too early";
+  options.max_iterations = num_iterations;
+  EXPECT_FALSE(is_refused_with(good, Refine_exit::max_iterations));
+  options.max_iterations = num_iterations - 1;
+  for (const Refine_exit exit : {Refine_exit::max_iterations, Refine_exit::step, Refine_exit::stopped}) {
+    EXPECT_TRUE(is_refused_with(good, exit)) << "too late";
+  }
 }
 
 TEST(RefinementState, RefusesTheStateOfAnother) {

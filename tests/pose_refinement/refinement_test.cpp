@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <cstddef>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -117,6 +118,48 @@ TEST(Refinement, LeftAfterEveryStepHasTheBitsOfOneGo) {
   for (const Refine_exit exit : {Refine_exit::step, Refine_exit::max_iterations, Refine_exit::uphill}) {
     EXPECT_GT(num_exits[static_cast<int>(exit) + 6], 0) << static_cast<int>(exit);
   }
+}
+
+/// For whoever has another one make the result, in another process perhaps.
+TEST(Refinement, ThatIsOverIsTakenUpForItsResult) {
+  int num_mirrored = 0;
+  int num_exits[10] = {};
+  for_many_problems([&](const Refine_problem& problem, const Refine_options& options) {
+    for (const bool is_stopped : {false, true}) {
+      Refinement refinement(problem, options);
+      refinement.run(is_stopped ? long_ago : Deadline::max());
+      refinement.stop();
+      const Refine_result expected = refinement.result();
+      const std::vector<double> state = refinement.state();
+      for (std::size_t i = 9; i < state.size(); i += 16) EXPECT_EQ(state[i + 13], state[1]) << "a cost to come";
+      Refine_options no_more = options;
+      no_more.watch = [](const kelvane::Refine_step&, std::size_t) -> bool { throw std::logic_error("an iteration"); };
+      Refinement other(problem, no_more);
+      other.resume(state.data(), state.size());
+      EXPECT_TRUE(other.run(long_ago));
+      EXPECT_TRUE(support::have_same_bits(other.result(), expected)) << expected.message;
+      EXPECT_EQ(other.state(), state);
+      num_mirrored += is_mirrored(expected) ? 1 : 0;
+      ++num_exits[static_cast<int>(expected.exit) + 6];
+    }
+  });
+  EXPECT_GE(num_mirrored, 4);
+  for (const Refine_exit exit :
+       {Refine_exit::step, Refine_exit::max_iterations, Refine_exit::stopped, Refine_exit::uphill}) {
+    EXPECT_GT(num_exits[static_cast<int>(exit) + 6], 0) << static_cast<int>(exit);
+  }
+}
+
+TEST(Refinement, WithoutACostHasNothingToTakeUp) {
+  support::Random random(12);
+  auto problem = support::random_scene(random, 12, false, 1.0);
+  problem.observations[4] = 1e200;
+  const Refine_problem view = problem.view();
+  const Refine_options options;
+  Refinement refinement(view, options);
+  EXPECT_TRUE(refinement.run(long_ago));
+  EXPECT_EQ(refinement.result().exit, Refine_exit::no_cost);
+  EXPECT_TRUE(refinement.state().empty());
 }
 
 TEST(Refinement, StopsAsAWatchDoes) {

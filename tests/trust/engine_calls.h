@@ -124,6 +124,12 @@ inline std::vector<mxArray> refine_inputs(const std::vector<Problem>& problems, 
           mex_host::scalar(num_threads)};
 }
 
+/// Of 'descend', which are the same.
+inline std::vector<mxArray> as_descent(std::vector<mxArray> inputs) {
+  inputs[0] = mex_host::text("descend");
+  return inputs;
+}
+
 /// A problem of this kind, and a neighbour that nothing is to touch.
 inline Tested_call refine_call(std::size_t kind, std::size_t num_points = 5, double seconds = for_ever) {
   return {std::string("refine, ") + kinds_of_problem[kind],
@@ -131,13 +137,16 @@ inline Tested_call refine_call(std::size_t kind, std::size_t num_points = 5, dou
 }
 
 /// What the engine can be asked.
-enum class Question { refine, project, pose, pose_as_struct };
-inline constexpr std::array<Question, 4> all_questions{Question::refine, Question::project, Question::pose,
-                                                       Question::pose_as_struct};
+enum class Question { refine, project, pose, pose_as_struct, descend };
+inline constexpr std::array<Question, 5> all_questions{Question::refine, Question::project, Question::pose,
+                                                       Question::pose_as_struct, Question::descend};
 
 inline Tested_call good_call(Question question, std::size_t kind, std::size_t num_points) {
   using mex_host::text;
   if (question == Question::refine) return refine_call(kind, num_points);
+  if (question == Question::descend) {
+    return {std::string("descend, ") + kinds_of_problem[kind], as_descent(refine_call(kind, num_points).inputs)};
+  }
   const Problem problem = good_problem(kind, num_points);
   const std::string name = kinds_of_problem[kind];
   const mxArray& form = mex_host::field(problem.options, "PoseForm");

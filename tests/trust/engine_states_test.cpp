@@ -40,6 +40,13 @@ std::vector<mxArray> inputs_with_state(std::size_t kind, std::vector<double> sta
   return inputs;
 }
 
+/// The same, over.
+std::vector<double> state_in_the_end(std::size_t kind) {
+  const Result result = mex_host::call(engine::as_descent(engine::refine_inputs({engine::good_problem(kind, 6)})));
+  if (!result.output || result.output->elements.size() != 1) return {};
+  return mex_host::element(*result.output, 0).values;
+}
+
 void stop_first(std::vector<mxArray>& inputs) {
   mxArray& options = inputs[5].elements[0][0];
   const auto& names = options.field_names;
@@ -73,6 +80,18 @@ TEST_P(EngineStates, LeadToTheSameBits) {
   FAIL() << "not over after a thousand calls";
 }
 
+TEST_P(EngineStates, OfTheEndLeadToTheSameBits) {
+  std::vector<mxArray> inputs = inputs_with_state(kind(), {});
+  const Result expected = mex_host::call(inputs);
+  const Result result = mex_host::call(engine::as_descent(inputs));
+  ASSERT_TRUE(engine::ends_well(result));
+  ASSERT_TRUE(result.output) << result.message;
+  inputs[6] = *result.output;
+  ASSERT_EQ(inputs[6].elements.size(), 2U);
+  EXPECT_FALSE(inputs[6].elements[0].empty() || inputs[6].elements[1].empty());
+  EXPECT_TRUE(trust::is_same(mex_host::call(inputs), expected));
+}
+
 /// What OutputFcn asks for: the result of what has been found so far.
 TEST_P(EngineStates, EndWhereTheyAreToldToStop) {
   std::vector<mxArray> inputs = inputs_with_state(kind(), state_after(kind(), 2));
@@ -87,8 +106,10 @@ TEST_P(EngineStates, EndWhereTheyAreToldToStop) {
 
 /// Every entry with every value, in a child process: what hangs is killed.
 TEST_P(EngineStates, WithHostileNumbersEndInTime) {
-  for (const bool is_stopped : {false, true}) {
-    const std::vector<double> state = state_after(kind(), is_stopped ? 2 : 1);
+  for (const int num_iterations : {1, 2, 100}) {
+    const bool is_stopped = num_iterations == 2;
+    const std::vector<double> state =
+        num_iterations == 100 ? state_in_the_end(kind()) : state_after(kind(), num_iterations);
     ASSERT_GT(state.size(), 10U);
     EXPECT_TRUE(support::ends_in_time([&](support::Shared_note& note) {
       for (std::size_t entry = 0; entry < state.size(); ++entry) {
@@ -130,6 +151,7 @@ TEST_P(EngineStates, OfAnotherLengthProblemOrNobodyAreRefused) {
         << size << " of " << state.size();
   }
   EXPECT_TRUE(is_refused(state_after((kind() + 1) % engine::kinds_of_problem.size(), 2)));
+  EXPECT_TRUE(is_refused(state_in_the_end((kind() + 1) % engine::kinds_of_problem.size())));
   EXPECT_TRUE(is_refused(std::vector<double>(state.size(), 0.0)));
   EXPECT_TRUE(is_refused(std::vector<double>(100000, 1.0)));
   support::Random random(11);

@@ -1,13 +1,13 @@
 % SPDX-License-Identifier: BSD-3-Clause
 % Stands before the true kelvane_engine and calls it. Fields of a start make it kill its process, always or as long as a file
-% is there, which it removes; interrupt another process; raise an error; tell the number of the process as the problem's
-% error; or come back as soon as it can, which the global num_calls_of_engine counts.
+% is there, which it removes; interrupt another process; raise an error; write the number of a process that descends to a file;
+% return the state of something else from there; or refine no longer than it must, which the global num_calls_of_engine counts.
 function varargout = kelvane_engine(varargin)
   starts = {};
-  if strcmp(varargin{1}, 'refine')
+  if any(strcmp(varargin{1}, {'refine', 'descend'}))
     starts = varargin{2};
   end
-  if any(has(starts, 'comes_back'))
+  if strcmp(varargin{1}, 'refine') && any(has(starts, 'comes_back'))
     global num_calls_of_engine %#ok<TLEV>
     num_calls_of_engine = num_calls_of_engine + 1;
     varargin{8} = 0;
@@ -32,12 +32,18 @@ function varargout = kelvane_engine(varargin)
   rmpath(here);
   restoring = onCleanup(@() addpath(here));
   [varargout{1:max(1, nargout)}] = kelvane_engine(varargin{:});
-  telling = has(starts, 'tells_process');
-  if any(telling)
-    varargout{1}.identifier(telling) = {'kelvane:tests'};
-    varargout{1}.message(telling) = {sprintf('process %d', getpid())};
-    varargout{1}.is_found(telling) = false;
+  if strcmp(varargin{1}, 'descend')
+    cellfun(@(start) tell(start.tells_process), starts(has(starts, 'tells_process')));
+    other = has(starts, 'spoils_state');
+    varargout{1}(other) = cellfun(@(state) [state(1:end - 4), 2 * state(end - 3), state(end - 2:end)], varargout{1}(other), ...
+                                  'UniformOutput', false);
   end
+end
+
+function tell(file)
+  id = fopen(file, 'a');
+  fprintf(id, '%d\n', getpid());
+  fclose(id);
 end
 
 function yes = has(starts, field)
