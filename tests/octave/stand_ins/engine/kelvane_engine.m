@@ -1,7 +1,8 @@
 % SPDX-License-Identifier: BSD-3-Clause
 % Stands before the true kelvane_engine and calls it. Fields of a start make it kill its process, always or as long as a file
 % is there, which it removes; interrupt another process; raise an error; write the number of a process that descends to a file;
-% return the state of something else from there; or refine no longer than it must, which the global num_calls_of_engine counts.
+% return the state of something else from there; refine no longer than it must, which the global num_calls_of_engine counts; or
+% tell when it was left in the middle.
 function varargout = kelvane_engine(varargin)
   starts = {};
   if any(strcmp(varargin{1}, {'refine', 'descend'}))
@@ -32,6 +33,10 @@ function varargout = kelvane_engine(varargin)
   rmpath(here);
   restoring = onCleanup(@() addpath(here));
   [varargout{1:max(1, nargout)}] = kelvane_engine(varargin{:});
+  if any(has(starts, 'tells_when_left')) && any(~cellfun('isempty', varargout{1}.state))
+    disp('left in the middle');
+    fflush(stdout);
+  end
   if strcmp(varargin{1}, 'descend')
     cellfun(@(start) tell(start.tells_process), starts(has(starts, 'tells_process')));
     other = has(starts, 'spoils_state');
