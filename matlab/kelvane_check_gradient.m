@@ -54,6 +54,9 @@ function [error_of_J, J, J_numeric] = kelvane_check_gradient(pose, points, intri
   [pose, points, K] = scene_of(pose, points, intrinsics, options);
   type = type_of(options.RotationType, isempty(K));
   unit = sqrt(mean(sum((points - pose.centre).^2, 1)));  % of length: derivatives by turns and shifts are then of one size
+  if ~isfinite(unit)
+    error('kelvane:notFinite', 'The points are too far from the camera: the squares of their distances are not finite.');
+  end
   points = points / unit;
   pose.centre = pose.centre / unit;
   x = kelvane_pose(pose, type.representation, 'world_from_camera');
@@ -253,6 +256,7 @@ end
 %! assert(numel(strfind(text, "\n")), 9);
 %! assert(~isempty(strfind(text, 'They agree.')));
 
+%!error <The points are too far from the camera> kelvane_check_gradient(some_pose(), 1e200 * some_points(), [500 0 0])
 %!error <Four points are the least for every type; there are 3> kelvane_check_gradient(some_pose(), eye(3), [500 0 0])
 %!error <Four points are the least for every type; there is 1> kelvane_check_gradient(some_pose(), [1; 2; 3], [500 0 0])
 %!error <one focal length and no skew> kelvane_check_gradient(some_pose(), some_points(), [5 0 0; 0 6 0; 0 0 1])

@@ -75,8 +75,37 @@ function handles = kelvane_plot(varargin)
   end
 end
 
+% With all that is drawn, in its sizes.
 function yes = is_info(info)
-  yes = isstruct(info) && isscalar(info) && all(isfield(info, {'history', 'residuals', 'covariance', 'pose', 'points'}));
+  names = {'history', 'pose', 'points', 'observations', 'intrinsics', 'inliers', 'covariance', 'loss_scale', 'rms_before', ...
+           'rms_after'};
+  yes = isstruct(info) && isscalar(info) && all(isfield(info, names));
+  if yes
+    n = size(info.points, 2);
+    d = 3 - ~isempty(info.intrinsics);
+    yes = is_history(info.history) && is_pose(info.pose) && are_numbers({info.loss_scale, 1, 1, info.rms_before, 1, 1, ...
+          info.rms_after, 1, 1, info.points, 3, n, info.observations, d, n, info.covariance, 6, 6}) && ...
+          islogical(info.inliers) && isequal(size(info.inliers), [1, n]) && ...
+          (isempty(info.intrinsics) || are_numbers({info.intrinsics, 3, 3}));
+  end
+end
+
+function yes = is_history(history)
+  yes = isstruct(history) && ~isempty(history) && all(isfield(history, {'pose', 'rms'})) && is_pose(history(1).pose) && ...
+        are_numbers({[history.rms], 1, numel(history)});
+end
+
+function yes = is_pose(pose)
+  yes = isstruct(pose) && isscalar(pose) && all(isfield(pose, {'rotation', 'centre'})) && ...
+        are_numbers({pose.rotation, 3, 3, pose.centre, 3, 1});
+end
+
+% Of values, each with its number of rows and of columns.
+function yes = are_numbers(given)
+  yes = true;
+  for k = 1:3:numel(given)
+    yes = yes && isnumeric(given{k}) && isequal(size(given{k}), [given{k + 1:k + 2}]);
+  end
 end
 
 function handle = drawn_or_empty(drawn, name)
@@ -197,6 +226,24 @@ end
 %! closing = onCleanup(@() close(f));
 %! h = kelvane_plot(info, 'scene');
 %! assert(isempty(h.ellipsoid));
+
+%!test  % an info that lacks something, or has it in another class or size, is told before anything is drawn
+%! info = some_info([500 320 240]);
+%! f = hidden_figure();
+%! closing = onCleanup(@() close(f));
+%! drawn = kelvane_plot(info);
+%! names = {'history', 'pose', 'points', 'observations', 'intrinsics', 'inliers', 'covariance', 'loss_scale', 'rms_before', ...
+%!          'rms_after'};
+%! clf(f);
+%! for name = names
+%!   fail('kelvane_plot(rmfield(info, name{1}))', 'needs the info that kelvane_refine returns');
+%!   for value = {{}, 'text', [], struct([]), struct('pose', 1), ones(2, 2), @sin}
+%!     fail('kelvane_plot(setfield(info, name{1}, value{1}))', 'needs the info that kelvane_refine returns');
+%!   end
+%! end
+%! info.history(1).pose.centre = 1;
+%! fail('kelvane_plot(info)', 'needs the info that kelvane_refine returns');
+%! assert(isempty(get(f, 'children')));
 
 %!error <needs the info that kelvane_refine returns> kelvane_plot(3)
 %!error <needs the info that kelvane_refine returns> kelvane_plot()

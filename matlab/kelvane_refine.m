@@ -55,7 +55,8 @@
 %       iterations     steps made
 %       residuals      2 x N or 3 x N, observed minus predicted (directions at unit length), without weights; NaN where a
 %                      point is left out
-%       history        1 x (iterations + 1) structs: pose (struct), rms, turn (rad) and shift (world unit) of each step
+%       history        1 x (iterations + 1) structs: pose (struct), rms, turn (rad) and shift (world unit) of each step; rms
+%                      may rise at one, the half turn to the mirrored pose where the points came to lie behind the camera
 %       covariance     6 x 6, of [w; dt]: R * expm of the cross matrix of w, rotation vector in the camera frame, radians,
 %                      and centre + dt, world unit. Inf where undetermined, NaN with as many equations as unknowns.
 %       noise_sigma    standard deviation of one coordinate of an observation with weight 1
@@ -225,6 +226,10 @@ end
 %!error <'RotationType' is no option of kelvane_refine any more.*kelvane_mex has all ten> kelvane_refine(eye(4), rand(3, 5), rand(2, 5), [1 0 0], 'RotationType', 2)
 %!error <'jacobian' is no option of kelvane_refine any more> kelvane_refine(eye(4), rand(3, 5), rand(2, 5), [1 0 0], struct('jacobian', 'analytic'))
 %!error <as 'PoseFrame' or third input of kelvane_pose> kelvane_refine(eye(4), rand(3, 5), rand(2, 5), [1 0 0])
+%!error <The Display must be a text.*class cell> kelvane_refine(eye(4), rand(3, 5), rand(2, 5), [1 0 0], 'Display', {})
+%!error <The Display must be a text.*class cell> kelvane_refine(eye(4), rand(3, 5), rand(2, 5), [1 0 0], 'Display', {'off'})
+%!error <The Display must be a text.*class double> kelvane_refine(eye(4), rand(3, 5), rand(2, 5), [1 0 0], 'Display', [])
+%!error <The pose must be one struct; this is an array of 2> kelvane_refine(repmat(struct('rotation', eye(3), 'centre', [0 0 0]), 1, 2), rand(3, 5), rand(2, 5), [1 0 0])
 %!error <OutputFcn must be a function handle> kelvane_refine(eye(4), rand(3, 5), rand(2, 5), [1 0 0], 'OutputFcn', 'f')
 %!error <Say which way the pose> kelvane_refine(eye(4), rand(3, 5), rand(2, 5), [1 0 0])
 %!error <2 x 2 observations may be two columns or two rows> kelvane_refine(eye(4), rand(3, 2), rand(2, 2), [1 0 0], 'PoseFrame', 'world_from_camera')

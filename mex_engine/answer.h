@@ -28,10 +28,21 @@ struct Inputs {
   const mxArray* operator[](int i) const { return i < count ? arrays[i] : nullptr; }
 };
 
-// Each of these throws Bad_argument or std::bad_alloc.
+// Each of these throws Bad_argument or std::bad_alloc. Cells have an element for each of n problems.
+
+/// results = ('refine', starts, points, observations, intrinsics, options, states, seconds, num_threads)
+/// starts, points, observations, intrinsics: cells of what kelvane_refine takes. options: a struct for all, or a cell.
+/// states: [], or a cell of rows, [] for a problem that has not begun. seconds: until when to begin and go on, without
+/// end where missing. num_threads: 1 where missing, 0 for all processors. results: a struct, see written_results().
 std::unique_ptr<Answer> refine_poses(const Inputs& inputs);
+/// states = ('descend', the same): a cell of rows with which 'refine' goes on or, where it is over, makes the result;
+/// [] after an error, where the start has no cost, and where nothing has begun.
 std::unique_ptr<Answer> descend(const Inputs& inputs);
+/// [seen, J, depth] = ('project', pose, points, intrinsics, options)
+/// of N points: d x N, d * N x 6 by [w; dt], and 1 x N. options: a struct with PoseForm and PoseFrame.
 std::unique_ptr<Answer> project_points(const Inputs& inputs);
+/// value = ('pose', value, form, frame, new_form, new_frame)
+/// in the new form, all names being texts; without one as the struct of kelvane_pose.
 std::unique_ptr<Answer> convert_pose(const Inputs& inputs);
 
 /// The answer to all inputs of a call. Throws as well where too many outputs are wanted.

@@ -126,6 +126,9 @@ Parts parts_of_cell(const mxArray* value, const Pose_form& form) {
 }
 
 Parts parts_of_struct(const mxArray* value, const std::string& form) {
+  if (mxIsStruct(value) && num_elements(value) != 1) {
+    refuse("pose", "The pose must be one struct; this is an array of " + text(num_elements(value)) + ".");
+  }
   Parts parts;
   if (form == "pose") {
     if (!has_field(value, "rotation") || !has_field(value, "centre")) {

@@ -21,8 +21,27 @@ struct Refined {
   bool is_found() const { return task->is_over && !has_failed(); }
 };
 
-/// The first n of them, of which each array has a column or an element: an array of the host costs more than what is in
-/// it. matlab/private/refined_rows.m takes it apart. Calls the host alone, and owns nothing.
+/// The first n of them as a struct, of which each array has a column or an element for each problem: an array of the
+/// host costs more than what is in it. matlab/private/refined_rows.m takes it apart. Where a problem has an error
+/// numbers are 0 and elements []; of one on the way there are the newest step and the state.
+///
+///   figures           13 x n, by rows: 1 exit, 2 and 3 the robust rms before and after, 4 and 5 the plain one, 6 and 7
+///                     that of the inliers, 8 iterations, 9 noise_sigma, 10 number of inliers, 11 loss_scale, 12 points
+///                     behind the camera, 13 points left out
+///   pose              12 x n: columns of the rotation, centre; also as `written`, in the form that is asked for
+///   covariance        36 x n, of [w; dt]
+///   intrinsics        9 x n: columns of K
+///   num_steps, steps  1 x n, and 15 rows: rms, turn, shift and pose of each step, one problem behind the other
+///   is_found, is_start, is_struct, sees_directions
+///                     1 x n: over without an error; the caller's own start; written is the struct of kelvane_pose; K
+///                     is []
+///   message           the exit in words, or the error; [] where it is that of the problem before
+///   identifier        of an error
+///   residuals, inliers, points, observations
+///                     cells of d x N, 1 x N and what was read, [] where that is the caller's own array
+///   state             to go on from, [] where it is over
+///
+/// Calls the host alone, and owns nothing.
 mxArray* written_results(const std::vector<Refined>& refined, std::size_t n);
 
 /// A cell with the state of each, [] where there is none. Likewise.

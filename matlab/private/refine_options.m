@@ -8,7 +8,7 @@ function options = refine_options(given, options)
                      'PoseFrame', [], 'OutputForm', [], 'OutputFrame', []);
   end
   options = parse_options('kelvane_refine', options, given);
-  if ~strcmp(options.Display, 'off')
+  if ~isequal(options.Display, 'off')
     options.Display = one_of(options.Display, {'off', 'iter', 'final'}, 'kelvane:option', 'Display');
   end
   if ~isempty(options.Loss)
