@@ -65,6 +65,6 @@ if(TARGET kelvane_mex_octave AND OctaveCli_PROGRAM AND is_tested_in_octave)
     set_tests_properties(octave/batch_servers PROPERTIES SKIP_RETURN_CODE 77)
     # These measure memory.
     kelvane_add_octave_test(no_side_effects "run_tests('${CMAKE_CURRENT_SOURCE_DIR}/octave/no_side_effects.tst')")
-    kelvane_add_octave_test(loads_and_unloads "loads_and_unloads(2000)")
+    kelvane_add_octave_test(loads_and_unloads "loads_and_unloads(1000)")
   endif()
 endif()

@@ -21,12 +21,14 @@
 %!  write_text(fullfile(folder, file), text);
 %!endfunction
 
-%!function make_project(folder)  % its modules return 42 and 43
+%!function make_project(folder)  % with one source in each of its folders; its modules return 42 and 43
 %!  here = fileparts(which('kelvane_build'));
 %!  [~, calls] = kelvane_build('DryRun', true);
-%!  for call = calls(1:end - 2)
-%!    file = regexprep(call{1}{end}, '^.*/project/', '');
-%!    write_below(folder, file, sprintf('int %s;\n', strrep(strrep(file, '/', '_'), '.', '_')));
+%!  files = cellfun(@(call) regexprep(call{end}, '^.*/project/', ''), calls(1:end - 2), 'UniformOutput', false);
+%!  [~, one_each] = unique(cellfun(@fileparts, files, 'UniformOutput', false));
+%!  assert(numel(one_each) > 5);
+%!  for file = [files(one_each), {'old_libraries.cpp'}]
+%!    write_below(folder, file{1}, sprintf('int %s;\n', regexprep(file{1}, '[/.]', '_')));
 %!  end
 %!  entry = ['#include <mex.h>' "\n" '#include "toy/first.h"' "\n", ...
 %!           'extern "C" __attribute__((visibility("default"))) void mexFunction(int, mxArray* x[], int, ', ...
