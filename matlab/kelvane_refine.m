@@ -29,12 +29,24 @@
 %     'Weights'            factors of squared residuals: one for each point, or one for each equation in the shape of the
 %                          observations, or in a vector u1, v1, u2, ...; default 1. The inverse variance is the one to give.
 %                          0 leaves out.
+%     'ObservationCovariance'  in place of weights, the covariance of each observation: d x d x N, a page for each point, or
+%                          d x d for all; d is 2 (pixels squared) or 3 (of directions at unit length, radians squared, of
+%                          which the part across the direction counts). RMS and residual lengths are then in standard
+%                          deviations.
+%     'Prior'              a Gaussian on the pose: struct with the fields pose, in the form of pose0 or as struct of
+%                          kelvane_pose, and covariance or information, its inverse, 6 x 6, of [w; dt] as info.covariance
+%                          from that pose on. A covariance must be positive definite, information may leave directions open.
+%     'Fixed'              directions in which the pose is known and stays as in pose0: words, one or a cell of them, or a
+%                          6 x m matrix with a direction [w; dt] in each column, w a turn about axes of the world (rad) and dt
+%                          a shift (world unit). The pose is pose0, turned by expm of the cross matrix of w and shifted by
+%                          dt, with [w; dt] across all columns. Words: 'centre'; 'height', the centre along the world's z;
+%                          'gravity', the direction of the world's z as the camera sees it, about which it may turn; 'rotation'
 %     'Loss'               'none' (default), 'huber', 'cauchy' or 'tukey': what bounds the pull of outliers
 %     'LossScale'          length of a (weighted) residual from which it counts less; by default the one that keeps 95 % of
 %                          the information in normal noise, whose size the median of the residuals tells; of no effect
 %                          without a loss
 %     'NoiseSigma'         standard deviation of each coordinate of an observation with weight 1, for the covariance; by
-%                          default from the residuals
+%                          default from the residuals, or 1 with ObservationCovariance or Prior, which have a unit themselves
 %     'Display'            'off' (default), 'iter' or 'final'
 %     'OutputFcn'          stop = fcn(pose, values, state), state 'init', 'iter' or 'done', called with the pose in its
 %                          output form; values has iteration, rms, turn (rad) and shift (world unit); true stops
@@ -45,7 +57,7 @@
 %       exitflag       above 0: converged. 1 StepTolerance, 2 limit of rounding, 3 FunctionTolerance. Otherwise: 0
 %                      MaxIterations, -1 OutputFcn, -2 no part of the step lowers the cost, -3 the start has no finite
 %                      cost, -4 the points do not determine the pose, -5 more than half of the weight lies behind the
-%                      camera
+%                      camera, -6 ambiguous: converged, but the other tilt of a flat target fits as well
 %       message        the same in words
 %       rms_before, rms_after  square root of the cost of a point on average, of pose0 and pose, in pixels or radians; with a
 %                      loss both at loss_scale, with which history is told too. Display and OutputFcn tell it as it
@@ -67,6 +79,8 @@
 %       num_behind     pixels' points with the camera's back to them
 %       num_left_out   points without an observation or a weight
 %       pose           the refined pose as struct of kelvane_pose
+%       alternative    where the points are flat to within the noise, and tilted the other way lead to another minimum of the
+%                      cost: struct with its pose (struct of kelvane_pose) and rms; otherwise []
 %       points, observations, intrinsics  as they were read: 3 x N, 2 x N or 3 x N, and 3 x 3 or []
 %
 %   Example:

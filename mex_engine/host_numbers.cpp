@@ -18,14 +18,16 @@ std::string text_of_entry(const std::string& name, std::size_t row, std::size_t 
   return name + "(" + text(row + 1) + ", " + text(column + 1) + ")";
 }
 
-Host_numbers::Host_numbers(const mxArray* array, const char* name)
+Host_numbers::Host_numbers(const mxArray* array, const char* name, Shape shape)
     : name_(name), rows_(static_cast<std::size_t>(mxGetM(array))), columns_(static_cast<std::size_t>(mxGetN(array))) {
   if (!mxIsNumeric(array) && !mxIsLogical(array)) {
     refuse("notNumeric", std::string(name) + " must be numbers; this is of class " + mxGetClassName(array) + ".");
   }
   if (mxIsComplex(array)) refuse("complex", std::string(name) + " must be real; there is an imaginary part.");
   const auto num_dimensions = static_cast<std::size_t>(mxGetNumberOfDimensions(array));
-  if (num_dimensions > 2) {
+  if (num_dimensions == 3 && shape == Shape::pages) {
+    num_pages_ = static_cast<std::size_t>(mxGetDimensions(array)[2]);
+  } else if (num_dimensions > 2) {
     std::string size;
     for (std::size_t i = 0; i < num_dimensions; ++i) {
       size += (i == 0 ? "" : " x ") + text(static_cast<std::size_t>(mxGetDimensions(array)[i]));
@@ -33,6 +35,11 @@ Host_numbers::Host_numbers(const mxArray* array, const char* name)
     refuse("size", std::string(name) + " must be a matrix; this is " + size + ".");
   }
   convert_class(array);
+}
+
+std::string Host_numbers::text_of_shape() const {
+  if (num_pages_ == 1) return text_of_size(rows_, columns_);
+  return text_of_size(rows_, num_pages_ == 0 ? 0 : columns_ / num_pages_) + " x " + text(num_pages_);
 }
 
 void Host_numbers::convert_class(const mxArray* array) {

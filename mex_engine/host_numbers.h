@@ -13,18 +13,27 @@ namespace kelvane::mex_engine {
 /// A real matrix, column by column. A full one of doubles is read where it lies, any other is copied.
 class Host_numbers {
  public:
-  /// Throws Bad_argument: notNumeric, complex, or size where it has more than two dimensions. The name is for errors.
-  Host_numbers(const mxArray* array, const char* name);
+  /// What a host's array may be.
+  enum class Shape {
+    matrix,  ///< two dimensions
+    pages    ///< or three: all columns of all pages, one page behind the other
+  };
+
+  /// Throws Bad_argument: notNumeric, complex, or size where it has more dimensions. The name is for errors.
+  Host_numbers(const mxArray* array, const char* name, Shape shape = Shape::matrix);
   Host_numbers(Host_numbers&&) = default;  // what is copied stays where it is
   Host_numbers& operator=(Host_numbers&&) = default;
 
   std::size_t rows() const { return rows_; }
   std::size_t columns() const { return columns_; }
+  std::size_t num_pages() const { return num_pages_; }
   std::size_t size() const { return rows_ * columns_; }
   bool is_vector() const { return size() > 0 && (rows_ == 1 || columns_ == 1); }
   const double* data() const { return data_; }
   double operator()(std::size_t row, std::size_t column) const { return data_[column * rows_ + row]; }
   const char* name() const { return name_; }
+  /// "2 x 3", or "2 x 3 x 4".
+  std::string text_of_shape() const;
 
   /// Whether the host's array can stand for what is read, without a copy.
   bool is_as_given() const { return is_as_given_; }
@@ -44,6 +53,7 @@ class Host_numbers {
 
   const char* name_;
   std::size_t rows_, columns_;
+  std::size_t num_pages_ = 1;
   const double* data_ = nullptr;
   std::vector<double> own_;
   bool is_as_given_ = false;

@@ -32,6 +32,7 @@ Host_problem::Host_problem(const Given_inputs& inputs, const Given_options& opti
     weights_ = read_weights(options.weights, observations_);
     problem_.weights = numbers_of(*weights_);
   }
+  known_.emplace(options, inputs.start, start_, observations_, problem_);
   choose_output();
 }
 
@@ -43,6 +44,8 @@ void Host_problem::choose_output() {
 }
 
 std::string Host_problem::message_of(const Bad_argument& error) const {
+  std::string message = Known::message_of(error, observations_);
+  if (!message.empty()) return message;
   const Columns* const columns = error.name() == "points"         ? &points_
                                  : error.name() == "observations" ? &observations_
                                  : error.name() == "weights"      ? &*weights_

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "mex_engine/pose_forms.h"
+#include "mex_engine/read_known.h"
 #include "mex_engine/read_options.h"
 #include "mex_engine/read_points.h"
 
@@ -47,6 +48,7 @@ class Host_problem {
   Given_pose start_;
   Columns observations_, points_;
   std::optional<Columns> weights_;
+  std::optional<Known> known_;
   Refine_problem problem_;
   const Pose_form* output_form_ = nullptr;
   Pose_frame output_frame_ = Pose_frame::world_from_camera;

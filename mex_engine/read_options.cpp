@@ -75,7 +75,11 @@ Given_options read_options(const mxArray* options) {
   given.pose_frame = text_in(of("PoseFrame"), "PoseFrame");
   given.output_form = text_in(of("OutputForm"), "OutputForm");
   given.output_frame = text_in(of("OutputFrame"), "OutputFrame");
-  if (is_given(of("Weights"))) given.weights = of("Weights");
+  const auto if_given = [&](const char* name) { return is_given(of(name)) ? of(name) : nullptr; };
+  given.weights = if_given("Weights");
+  given.covariances = if_given("ObservationCovariance");
+  given.prior = if_given("Prior");
+  given.fixed = if_given("Fixed");
   given.is_stopped = is_given(of("Stop")) && mxIsLogical(of("Stop")) && *Host_numbers(of("Stop"), "Stop").data() != 0.0;
   return given;
 }

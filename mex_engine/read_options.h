@@ -19,6 +19,9 @@ inline constexpr Words words{1, "StepTolerance", "FunctionTolerance", "MaxIterat
 struct Given_options {
   Refine_options refine;
   const mxArray* weights = nullptr;
+  const mxArray* covariances = nullptr;
+  const mxArray* prior = nullptr;
+  const mxArray* fixed = nullptr;
   std::string pose_form, pose_frame;
   std::string output_form, output_frame;
   bool is_stopped = false;  ///< a refinement on the way shall end

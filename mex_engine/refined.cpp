@@ -10,9 +10,11 @@
 namespace kelvane::mex_engine {
 namespace {
 
-constexpr const char* names[] = {"is_found",  "figures",   "pose",      "covariance",   "intrinsics", "sees_directions",
-                                 "is_start",  "is_struct", "num_steps", "steps",        "message",    "identifier",
-                                 "residuals", "inliers",   "points",    "observations", "written",    "state"};
+constexpr const char* names[] = {"is_found",        "figures",         "pose",      "covariance",
+                                 "intrinsics",      "sees_directions", "is_start",  "is_struct",
+                                 "num_steps",       "steps",           "message",   "identifier",
+                                 "has_alternative", "alternative",     "residuals", "inliers",
+                                 "points",          "observations",    "written",   "state"};
 constexpr std::size_t num_names = sizeof names / sizeof names[0];
 
 mxArray* created_matrix(std::size_t rows, std::size_t columns) {
@@ -131,6 +133,15 @@ class Writer {
       const Camera_model& camera = one.problem->problem().camera;
       const double columns[] = {camera.fx, 0.0, 0.0, camera.skew, camera.fy, 0.0, camera.cx, camera.cy, 1.0};
       std::copy(std::begin(columns), std::end(columns), to);
+    });
+    const auto has_alternative = [](const Refined& one) {
+      return one.is_found() && one.task->result.alternative.has_value();
+    };
+    add_flags("has_alternative", has_alternative);
+    add_columns("alternative", 13, [&](const Refined& one, double* to) {  // RMS and pose
+      if (!has_alternative(one)) return;
+      *to = one.task->result.alternative->rms;
+      put_pose(one.task->result.alternative->pose, to + 1);
     });
     add_flags("sees_directions", [](const Refined& one) { return one.problem->problem().camera.sees_directions; });
     add_flags("is_found", [](const Refined& one) { return one.is_found(); });

@@ -30,11 +30,12 @@ struct Refined {
 ///                     behind the camera, 13 points left out
 ///   pose              12 x n: columns of the rotation, centre; also as `written`, in the form that is asked for
 ///   covariance        36 x n, of [w; dt]
+///   alternative       13 x n: rms and pose of the other tilt
 ///   intrinsics        9 x n: columns of K
 ///   num_steps, steps  1 x n, and 15 rows: rms, turn, shift and pose of each step, one problem behind the other
-///   is_found, is_start, is_struct, sees_directions
-///                     1 x n: over without an error; the caller's own start; written is the struct of kelvane_pose; K
-///                     is []
+///   is_found, has_alternative, is_start, is_struct, sees_directions
+///                     1 x n: over without an error; there is another tilt; the caller's own start; written is the
+///                     struct of kelvane_pose; K is []
 ///   message           the exit in words, or the error; [] where it is that of the problem before
 ///   identifier        of an error
 ///   residuals, inliers, points, observations

@@ -32,24 +32,25 @@ Factors expected_factors(const Robust_loss& loss, double noise_sigma) {
   return factors;
 }
 
-/// From a twist (v, omega) of the camera frame to [w; dt]: w is omega, and dt is R v.
-void to_users(const double (&of_twist)[6][6], const double (&R)[3][3], double (&covariance)[6][6]) {
-  double T[6][6] = {};
-  for (int i = 0; i < 3; ++i) {
-    T[i][3 + i] = 1.0;
-    for (int j = 0; j < 3; ++j) T[3 + i][j] = R[i][j];
-  }
-  double half[6][6] = {};
+using Matrix = double[6][6];
+
+/// C <- A B'
+void multiply(const Matrix& A, const Matrix& B, Matrix& C) {
   for (int i = 0; i < 6; ++i) {
     for (int j = 0; j < 6; ++j) {
-      for (int k = 0; k < 6; ++k) half[i][j] += T[i][k] * of_twist[k][j];
+      C[i][j] = 0.0;
+      for (int k = 0; k < 6; ++k) C[i][j] += A[i][k] * B[j][k];
     }
   }
+}
+
+/// T C T', of which the last three are lengths.
+void to_users(const Matrix& C, const Matrix& T, double unit, Matrix& covariance) {
+  Matrix half;
+  multiply(T, C, half);
+  multiply(half, T, covariance);
   for (int i = 0; i < 6; ++i) {
-    for (int j = 0; j < 6; ++j) {
-      covariance[i][j] = 0.0;
-      for (int k = 0; k < 6; ++k) covariance[i][j] += half[i][k] * T[j][k];
-    }
+    for (int j = 0; j < 6; ++j) covariance[i][j] *= (i < 3 ? 1.0 : unit) * (j < 3 ? 1.0 : unit);
   }
 }
 
@@ -57,26 +58,56 @@ void fill(double (&covariance)[6][6], double value) {
   for (auto& row : covariance) std::fill_n(row, 6, value);
 }
 
+/// Equations over unknowns, NaN where there are none over.
+double freedom_of(const Refine_input& input) {
+  const double excess = static_cast<double>(input.data.num_equations()) - static_cast<double>(input.motion.num_free());
+  return excess > 0.0 ? excess : nan;
+}
+
+/// What the matrix of the equations says of the noise of the observations holds for that of the prior only without a
+/// loss: b / a is then sigma^2. What is missing otherwise, (sigma^2 - b / a) inverse P'P inverse (docs/derivations.md,
+/// Eq. 56).
+void add_noise_of_prior(const Refine_input& input, const Pose& pose, double factor, Matrix& inverse) {
+  double rows[6][7];
+  Matrix twists;
+  Matrix P = {};
+  Matrix half;
+  input.prior.linearise(pose, rows);
+  if (!input.motion.is_whole()) input.motion.twists(pose, twists);
+  for (int i = 0; i < 6; ++i) {
+    for (int j = 0; j < 6; ++j) {
+      if (input.motion.is_whole()) P[i][j] = rows[i][j];
+      for (int k = 0; k < 6 && !input.motion.is_whole(); ++k) P[i][j] += rows[i][k] * twists[k][j];
+    }
+  }
+  multiply(inverse, P, half);
+  multiply(half, half, P);
+  for (int i = 0; i < 6; ++i) {
+    for (int j = 0; j < 6; ++j) inverse[i][j] += factor * P[i][j];
+  }
+}
+
 }  // namespace
+
+double noise_sigma_of(const Refine_input& input, Loss loss, double sum_of_pulls, std::vector<double>& lengths) {
+  if (input.noise_sigma > 0.0) return input.noise_sigma;
+  const double freedom = freedom_of(input);
+  return loss == Loss::none ? std::sqrt(sum_of_pulls / freedom)
+                            : noise_of_lengths(lengths) * std::sqrt(1.0 + 6.0 / freedom);
+}
 
 bool set_covariance(const Refine_input& input, const Robust_loss& loss, const Point_sums& sums,
                     std::vector<double>& lengths, Refine_result& result) {
-  Factors factors{};
-  const bool is_known = input.options.noise_sigma > 0.0;
-  const double excess = static_cast<double>(input.data.num_equations()) - 6.0;  // equations over unknowns
-  if (is_known) {
-    result.noise_sigma = input.options.noise_sigma;
-    factors = expected_factors(loss, result.noise_sigma);
-  } else {
-    const double freedom = excess > 0.0 ? excess : nan;
-    factors = {sums.weight_and_slope / static_cast<double>(input.data.num_used()), sums.pull / freedom};
-    result.noise_sigma =
-        loss.kind == Loss::none ? std::sqrt(factors.b) : noise_of_lengths(lengths) * std::sqrt(1.0 + 6.0 / freedom);
-  }
-  constexpr std::size_t least_points = 3;
-  double inverse[6][6];
-  Descent_system system(input.data, input.rows);
-  system.linearise(input.data.world().from_users(result.pose), {}, is_known ? &result.is_inlier : nullptr);
+  const bool is_known = input.noise_sigma > 0.0;
+  result.noise_sigma = noise_sigma_of(input, loss.kind, sums.pull, lengths);
+  const Factors factors = is_known ? expected_factors(loss, result.noise_sigma)
+                                   : Factors{sums.weight_and_slope / static_cast<double>(input.data.num_used()),
+                                             sums.pull / freedom_of(input)};
+  const std::size_t least_points = num_needed_points(input.problem);
+  const Pose pose = input.data.world().from_users(result.pose);
+  Matrix inverse;
+  Descent_system system(input);
+  system.linearise(pose, {}, is_known ? &result.is_inlier : nullptr, 1.0 / factors.a);
   const bool is_finite = system.is_finite();
   const bool is_regular = is_finite && system.inverse(inverse);
   if (!is_regular || sums.num_pulling < least_points) {
@@ -84,13 +115,16 @@ bool set_covariance(const Refine_input& input, const Robust_loss& loss, const Po
     fill(result.covariance, is_unknown ? nan : std::numeric_limits<double>::infinity());
     return false;
   }
-  const double unit = input.data.world().unit;
-  for (int i = 0; i < 6; ++i) {
-    for (int j = 0; j < 6; ++j) {
-      inverse[i][j] *= factors.b / (factors.a * factors.a) * (i < 3 ? unit : 1.0) * (j < 3 ? unit : 1.0);
-    }
+  const double ratio = factors.b / factors.a;
+  if (input.prior.is_given() && loss.kind != Loss::none) {
+    add_noise_of_prior(input, pose, (result.noise_sigma * result.noise_sigma - ratio) / ratio / factors.a, inverse);
   }
-  to_users(inverse, result.pose.rotation, result.covariance);
+  for (auto& row : inverse) {
+    for (double& entry : row) entry *= ratio / factors.a;
+  }
+  Matrix errors;
+  input.motion.errors(pose, errors);
+  to_users(inverse, errors, input.data.world().unit, result.covariance);
   return true;
 }
 

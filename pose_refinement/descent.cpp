@@ -20,6 +20,13 @@ double norm(const double* x, std::size_t size) {
   return std::sqrt(square);
 }
 
+/// Whether a part of the step lowers the cost by so little that it is about to leap over the minimum: large residuals
+/// bend the cost more than the equations know. Half of it is better then.
+bool falls_short(const Steps& steps, double part, double decrease) {
+  constexpr double least = 0.25;
+  return decrease < least * (2.0 - part) * part * steps.decrease;
+}
+
 }  // namespace
 
 void Descent::begin(const Pose& start, Descent_state& state) {
@@ -49,6 +56,15 @@ bool Descent::start_scale(const Pose& start, Descent_state& state) {
   return true;
 }
 
+void Descent::continue_with(double scale, Descent_state& state) {
+  if (options_.loss == Loss::none || state.exit) return;
+  Descent_entry& entry = state.history.back();
+  state.is_final = true;
+  state.is_settled = options_.loss_scale > 0.0;
+  state.loss.scale = entry.scale = scale;
+  entry.cost = cost_.cost(entry.pose, state.loss);
+}
+
 void Descent::iterate(Descent_state& state) {
   const Descent_entry before = state.history.back();
   Descent_entry next = before;
@@ -68,20 +84,25 @@ double Descent::try_steps(const Steps& steps, const Robust_loss& loss, Descent_e
   if (steps.count == 0) return std::numeric_limits<double>::quiet_NaN();
   const Pose start = next.pose;
   const double length = norm(steps.twists[0], 6);
+  const double start_cost = next.cost;
   // What rounding may add to the cost does not hold back a step that is too short to change it by more.
   double limit = next.cost * (length <= hidden_by_rounding ? 1.0 + 1e-13 : 1.0);
-  bool is_over = limit == 0.0;
+  bool is_found = limit == 0.0;
+  bool is_over = is_found;
   for (double part = 1.0; part > smallest_part && !is_over; part /= 2.0) {
-    for (std::size_t i = 0; i < steps.count && (length > far || !is_over); ++i) {
+    bool is_better = false;
+    for (std::size_t i = 0; i < steps.count && (length > far || !is_better); ++i) {
       double twist[6];
       std::transform(steps.twists[i], steps.twists[i] + 6, twist, [part](double entry) { return part * entry; });
-      const Pose moved = moved_by(start, twist);
+      const Pose moved = motion_.moved_by(start, twist);
       const double cost = cost_.cost(moved, loss);
       if (!(cost < limit)) continue;
       limit = cost;
       next = {moved, cost, loss.scale, norm(twist + 3, 3), norm(twist, 3)};
-      is_over = true;
+      is_better = true;
     }
+    is_over = is_better ? length <= hidden_by_rounding || !falls_short(steps, part, start_cost - limit) : is_found;
+    is_found = is_found || is_better;
   }
   return length;
 }

@@ -32,12 +32,14 @@ struct Descent_state {
 /// Iterates, one step at a time, until the pose is still.
 class Descent {
  public:
-  /// All must outlive it.
-  Descent(const Observed_points& data, const Camera_rows& rows, const Refine_options& options)
-      : options_(options), cost_(data, rows), system_(data, rows) {}
+  /// Must outlive it.
+  explicit Descent(const Refine_input& input)
+      : options_(input.options), motion_(input.motion), cost_(input), system_(input) {}
 
   /// Evaluates a pose of the world, from which iterations go on, behind the entries that there are.
   void begin(const Pose& start, Descent_state& state);
+  /// After begin(): with the scale of another descent, which may come down further.
+  void continue_with(double scale, Descent_state& state);
   /// Makes one iteration, with one more entry; `exit` says whether it is the last one.
   void iterate(Descent_state& state);
 
@@ -53,6 +55,7 @@ class Descent {
   double lowered_scale(const Pose& pose, const Descent_state& state);
 
   const Refine_options& options_;
+  const Free_motion& motion_;
   Pose_cost cost_;
   Descent_system system_;
   std::vector<double> lengths_;

@@ -9,7 +9,8 @@
 
 namespace kelvane {
 
-void Descent_system::linearise(const Pose& pose, const Robust_loss& loss, const std::vector<unsigned char>* marks) {
+void Descent_system::linearise(const Pose& pose, const Robust_loss& loss, const std::vector<unsigned char>* marks,
+                               double of_prior) {
   triangle_.start(6);
   for (auto& sums : slope_sums_) std::fill_n(sums, group_size, 0.0);
   for (const Sights& all : data_.sights()) {
@@ -23,6 +24,7 @@ void Descent_system::linearise(const Pose& pose, const Robust_loss& loss, const 
     }
     const Sights& sights = marks != nullptr ? marked : all;
     rows_.linearise(sights, pose, block_);
+    whiten(sights);
     if (loss.kind == Loss::none && marks == nullptr && !data_.has_weights()) {
       clear_filling(sights);  // all other weights are 1
     } else {
@@ -31,6 +33,77 @@ void Descent_system::linearise(const Pose& pose, const Robust_loss& loss, const 
     triangle_.absorb(block_, sights.num_rows());
   }
   sum_up_slopes();
+  absorb_prior(pose, of_prior);
+  reduce_to_free_motion(pose);
+}
+
+void Descent_system::whiten(const Sights& sights) {
+  if (sights.whitening == nullptr) return;
+  for (std::size_t c = 0; c < 7; ++c) {
+    rows_.sight_kernels().whiten(sights.whitening, sights.d, sights.num_groups(), block_.column(c));
+  }
+}
+
+void Descent_system::absorb_prior(const Pose& pose, double factor) {
+  if (!prior_.is_given()) return;
+  double rows[6][7];
+  prior_.linearise(pose, rows);
+  for (auto& row : rows) {
+    for (double& entry : row) entry *= std::sqrt(factor);
+  }
+  absorb_rows(rows, 6);
+}
+
+/// From a twist x to y with x = T y, and to as many equations again, y_j = 0, for those that are not there: what solves
+/// six unknowns solves these as well.
+void Descent_system::reduce_to_free_motion(const Pose& pose) {
+  if (motion_.is_whole()) return;
+  const std::size_t num_free = motion_.num_free();
+  double rows[12][7] = {};
+  motion_.twists(pose, twists_);
+  double longest = 0.0;
+  for (std::size_t i = 0; i < 6; ++i) {
+    const double* R = triangle_.entries() + 7 * i;
+    rows[i][6] = R[6];
+    for (std::size_t j = 0; j < num_free; ++j) {
+      for (std::size_t k = i; k < 6; ++k) rows[i][j] += R[k] * twists_[k][j];
+      longest = std::max(longest, std::abs(rows[i][j]));
+    }
+  }
+  for (std::size_t j = num_free; j < 6; ++j) rows[j + 6][j] = longest;
+  triangle_.start(6);
+  absorb_rows(rows, 12);
+  if (!has_slopes_) return;
+  double half[6][6] = {};  // M T
+  for (std::size_t i = 0; i < 6; ++i) {
+    for (std::size_t j = 0; j < 6; ++j) {
+      for (std::size_t k = 0; k < 6; ++k) half[i][j] += (k < i ? slopes_[k][i] : slopes_[i][k]) * twists_[k][j];
+    }
+  }
+  for (std::size_t i = 0; i < 6; ++i) {
+    for (std::size_t j = i; j < 6; ++j) {
+      slopes_[i][j] = 0.0;
+      for (std::size_t k = 0; k < 6; ++k) slopes_[i][j] += twists_[k][i] * half[k][j];
+    }
+  }
+}
+
+void Descent_system::absorb_rows(const double (*rows)[7], std::size_t num_rows) {
+  const std::size_t whole = (num_rows + group_size - 1) / group_size * group_size;
+  block_.resize(6);
+  for (std::size_t c = 0; c < 7; ++c) {
+    for (std::size_t i = 0; i < whole; ++i) block_.column(c)[i] = i < num_rows ? rows[i][c] : 0.0;
+  }
+  triangle_.absorb(block_, whole);
+}
+
+void Descent_system::make_twist(double* solution) const {
+  if (motion_.is_whole()) return;
+  double twist[6] = {};
+  for (std::size_t i = 0; i < 6; ++i) {
+    for (std::size_t j = 0; j < motion_.num_free(); ++j) twist[i] += twists_[i][j] * solution[j];
+  }
+  std::copy_n(twist, 6, solution);
 }
 
 void Descent_system::clear_filling(const Sights& sights) {
@@ -47,7 +120,7 @@ void Descent_system::weigh(const Sights& sights, const Robust_loss& loss) {
   double* const r = block_.column(6);
   double lengths[Sights::most_points];
   alignas(cache_line) double roots[Block::max_rows];
-  lengths_of_sights(sights, kernels, r, lengths);
+  lengths_of_whitened(sights, kernels, r, lengths);
   kernels.add_slopes(loss, sights.weights, lengths, sights.d, sights.num_groups(), block_.column(0), block_.stride(),
                      slope_sums_);
   kernels.weigh(loss, sights.weights, lengths, sights.d, sights.num_groups(), r, roots);
@@ -78,14 +151,17 @@ Steps Descent_system::steps() {
   const bool is_plain = small_.solve_plainly(triangle_.entries(), 6, num_rows, usual);
   if (!is_plain) small_.solve_shortest(triangle_.entries(), 6, num_rows, Small_system::Units::last_three, usual);
   steps.count = 1;
+  for (std::size_t i = 0; is_plain && i < 6; ++i) steps.decrease += std::pow(triangle_.entries()[7 * i + 6], 2);
   if (is_plain && has_slopes_) {
     double better[6];
     if (newton(better)) {
       std::copy_n(usual, 6, steps.twists[1]);
       std::copy_n(better, 6, steps.twists[0]);
       steps.count = 2;
+      steps.decrease = 0.0;
     }
   }
+  for (std::size_t i = 0; i < steps.count; ++i) make_twist(steps.twists[i]);
   return steps;
 }
 

@@ -13,7 +13,7 @@ std::string reason_of_no_cost(const Refine_input& input) {
   std::size_t worst = 0;
   bool is_nan = false;
   double largest = 0.0;
-  Pose_cost cost(input.data, input.rows);
+  Pose_cost cost(input);
   const std::vector<double>& lengths = cost.lengths(input.data.world().from_users(input.start));
   const double* s = lengths.data();
   for (const Sights& sights : input.data.sights()) {
@@ -25,6 +25,9 @@ std::string reason_of_no_cost(const Refine_input& input) {
     }
   }
   const std::string point = "point " + std::to_string(input.words.first_number + worst);
+  if (std::isfinite(cost.cost_of_points(input.data.world().from_users(input.start), Robust_loss()))) {
+    return "the prior is so far away that its cost is not finite.";
+  }
   if (is_nan) {
     return "a point lies in the plane of the camera centre, and its prediction is not finite: " + point + ".";
   }
@@ -40,7 +43,7 @@ std::string reason_of_no_pull(const Refine_input& input, const Refine_result& re
 
 std::string reason(const Refine_input& input, const Refine_result& result, const Point_sums& sums) {
   using namespace std::string_literals;
-  constexpr std::size_t least_points = 3;
+  const std::size_t least_points = num_needed_points(input.problem);
   const Refine_options& options = input.options;
   const Words& words = input.words;
   switch (result.exit) {
@@ -67,6 +70,11 @@ std::string reason(const Refine_input& input, const Refine_result& result, const
       return reason_of_no_pull(input, result, sums);
     case Refine_exit::behind:
       return "Not found: more than half of the weight lies behind the camera.";
+    case Refine_exit::ambiguous:
+      return "Ambiguous: the points are flat to within the noise, and another pose, tilted the other way, fits as "
+             "well: "
+             "RMS " +
+             text_of(result.alternative->rms) + " against " + text_of(result.after.robust) + ".";
     case Refine_exit::failed:
       break;
   }

@@ -22,12 +22,16 @@ struct Sights {
   double points[3 * most_points];
   double observed[Block::max_rows];  ///< directions at unit length
   double weights[Block::max_rows];
+  const double* whitening = nullptr;  ///< of each point a d by d matrix, its entries eight points at a time, or none
 
   std::size_t num_groups() const { return (num_points + group_size - 1) / group_size; }
   std::size_t num_rows() const { return num_groups() * group_size * d; }
   /// Where coordinate k of point i is.
   std::size_t row(std::size_t i, std::size_t k) const { return (i / group_size * d + k) * group_size + i % group_size; }
 };
+
+/// The least that may determine a pose: three where nothing is known of it beside the observations.
+std::size_t num_needed_points(const Refine_problem& problem);
 
 /// Of x, y, z of any size but zero.
 double length_of_direction(const double* x);
@@ -53,7 +57,9 @@ class Observed_points {
   /// Observed numbers with a weight above 0, where a direction counts as two.
   std::size_t num_equations() const { return num_equations_; }
   bool has_weights() const { return weights_ != nullptr; }  ///< or all are 1
-  std::size_t d() const { return d_; }                      ///< numbers of an observation: 2, or 3 for directions
+  /// Whether residuals are to be multiplied by the roots of what their covariances tell.
+  bool has_covariances() const { return covariances_ != nullptr; }
+  std::size_t d() const { return d_; }  ///< numbers of an observation: 2, or 3 for directions
 
   const World& world() const { return world_; }
   /// In that world.
@@ -68,7 +74,11 @@ class Observed_points {
   double weight(std::size_t i, std::size_t k) const {
     return weights_ == nullptr ? 1.0 : weights_[per_equation_ ? d_ * i + k : i];
   }
+  const double* covariance(std::size_t i) const { return covariances_ + (has_one_covariance_ ? 0 : d_ * d_ * i); }
+  void check_covariance(std::size_t i) const;
   void add(std::size_t i);
+  void add_whitening(std::size_t i, const Sights& sights);
+  void set_whitening();
   void move_to_own_world(const Pose& start);
 
   const Refine_problem& problem_;
@@ -77,10 +87,13 @@ class Observed_points {
   const double* observations_;
   const double* weights_;
   bool per_equation_;
+  const double* covariances_;
+  bool has_one_covariance_;
   std::size_t num_used_ = 0;
   std::size_t num_equations_ = 0;
   World world_;
   std::vector<Sights> sights_;
+  std::vector<double> whitening_;  // as much for each of sights_
 };
 
 }  // namespace kelvane

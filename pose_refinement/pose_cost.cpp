@@ -28,7 +28,7 @@ double careful_length(const double* weights, const double* residuals, std::size_
 
 }  // namespace
 
-bool lengths_of_sights(const Sights& sights, const Sight_kernels& kernels, const double* residuals, double* lengths) {
+bool lengths_of_whitened(const Sights& sights, const Sight_kernels& kernels, const double* residuals, double* lengths) {
   const std::size_t d = sights.d;
   if (kernels.lengths(sights.weights, residuals, d, sights.num_groups(), lengths)) return true;
   for (std::size_t i = 0; i < sights.num_groups() * group_size; ++i) {
@@ -38,7 +38,20 @@ bool lengths_of_sights(const Sights& sights, const Sight_kernels& kernels, const
   return false;
 }
 
+bool lengths_of_sights(const Sights& sights, const Sight_kernels& kernels, const double* residuals, double* lengths) {
+  if (sights.whitening == nullptr) return lengths_of_whitened(sights, kernels, residuals, lengths);
+  alignas(cache_line) double white[Block::max_rows];
+  std::copy_n(residuals, sights.num_rows(), white);
+  kernels.whiten(sights.whitening, sights.d, sights.num_groups(), white);
+  return lengths_of_whitened(sights, kernels, white, lengths);
+}
+
 double Pose_cost::cost(const Pose& pose, const Robust_loss& loss) {
+  const double total = cost_of_points(pose, loss) + prior_.cost(pose);
+  return std::isfinite(total) ? total : std::numeric_limits<double>::infinity();
+}
+
+double Pose_cost::cost_of_points(const Pose& pose, const Robust_loss& loss) {
   double sums[group_size] = {};  // which do not wait for each other
   const std::vector<double>& lengths = this->lengths(pose);
   rows_.sight_kernels().add_costs(loss, lengths.data(), lengths.size(), sums);
@@ -77,6 +90,13 @@ std::vector<double> Pose_cost::lengths_of_observations() const {
     lengths.insert(lengths.end(), some, some + sights.num_points);
   }
   return lengths;
+}
+
+double Pose_cost::rounding() const {
+  constexpr double of_observations = 1e-9;
+  double square = 0.0;
+  for (const double length : lengths_of_observations()) square += length * length;
+  return of_observations * of_observations * square;
 }
 
 double Pose_cost::part_behind(const Pose& pose) const {

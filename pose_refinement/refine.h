@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -25,6 +26,14 @@ struct Numbers {
   Numbers(const std::vector<double>& values) : data(values.data()), size(values.size()) {}
 };
 
+/// A Gaussian on the pose: of the [w; dt] of Refine_result::covariance, from its pose on. 36 numbers of one of the two,
+/// or none.
+struct Pose_prior {
+  Pose pose;
+  Numbers covariance = {};   ///< positive definite
+  Numbers information = {};  ///< its inverse, which may leave directions open
+};
+
 /// What a pose is refined from. The numbers must outlive the call.
 struct Refine_problem {
   Pose start;           ///< where to begin
@@ -34,6 +43,12 @@ struct Refine_problem {
   Camera_model camera;  ///< what the camera sees
   Numbers weights = {}; /**< factors of squared residuals, 0 or more: none (all are 1), one for each point or one for
                              each observed number; points with no weight above 0 are left out */
+  Numbers covariances = {}; /**< in place of weights, the covariance of each observation, or one for all: 4 numbers, or
+                                 9 of a direction at unit length, of which the part across it counts */
+  Pose_prior prior = {};    ///< what is known of the pose beside the observations
+  Numbers fixed = {};       /**< directions that are known, 6 numbers each: [w; dt], a turn about axes of the world and
+                                 a shift. The pose is the start, turned by exp of the cross matrix of w and shifted by
+                                 dt, with a [w; dt] across all of them */
 };
 
 /// What bounds the pull of outliers.
@@ -58,7 +73,8 @@ struct Refine_options {
   double loss_scale = 0;     /**< length of a weighted residual from which it counts less; 0: the one that keeps 95 %
                                   of the information in normal noise, whose size the median residual tells */
   double noise_sigma = 0;    /**< standard deviation of each coordinate of an observation of weight 1, for the
-                                  covariance; 0: from the residuals */
+                                  covariance; 0: from the residuals, or 1 where the problem has covariances or a
+                                  prior, which have a unit themselves */
   int max_iterations = 100;  ///< 0 or more
   double step_tolerance = 1e-9;   ///< stop at a step below this, radians and parts of the points' distance
   double function_tolerance = 0;  ///< stop when the cost falls by less than this part of it; 0: never
@@ -78,7 +94,8 @@ enum class Refine_exit {
   no_cost = -3,        ///< the start has no finite cost
   undetermined = -4,   ///< the points do not determine the pose
   behind = -5,         ///< more than half of the weight lies behind the camera
-  failed = -6          ///< of refine_many: refine would have thrown what the message says
+  ambiguous = -6,      ///< converged, but a flat target leaves another pose that fits as well, see Refine_alternative
+  failed = -7          ///< of refine_many: refine would have thrown what the message says
 };
 
 /// Root mean square residuals of the points that are not left out, in pixels or radians, with weights.
@@ -86,6 +103,12 @@ struct Rms {
   double robust;   ///< the root of the cost of a point on average, at Refine_result::loss_scale
   double plain;    ///< without the loss
   double inliers;  ///< of Refine_result::is_inlier, without the loss
+};
+
+/// Another minimum of the cost. Seen from afar a flat target may be tilted one way or the other.
+struct Refine_alternative {
+  Pose pose;
+  double rms;  ///< as Rms::robust of the result
 };
 
 /// What a refinement found.
@@ -100,6 +123,8 @@ struct Refine_result {  // NOLINT(bugprone-exception-escape): moving its vectors
   double loss_scale = 0;   ///< that was used; infinite without a loss
   Rms before = {};         ///< of the start
   Rms after = {};          ///< of the pose
+  /// Where the points are flat to within the noise and the target, tilted the other way, leads to another minimum.
+  std::optional<Refine_alternative> alternative = {};
   std::size_t num_left_out = 0;          ///< points without an observation or a weight
   std::size_t num_behind = 0;            ///< pixels' points with the camera's back to them
   std::size_t num_inliers = 0;           ///< see is_inlier

@@ -3,6 +3,8 @@
 #pragma once
 
 #include "pose_refinement/camera_rows.h"
+#include "pose_refinement/free_motion.h"
+#include "pose_refinement/known_pose.h"
 #include "pose_refinement/observed_points.h"
 #include "pose_refinement/words.h"
 
@@ -16,9 +18,12 @@ struct Refine_input {
   const Refine_problem& problem;
   const Refine_options& options;
   const Words& words;
-  Pose start;  ///< with the rotation next to the problem's
+  Pose start;          ///< with the rotation next to the problem's
+  double noise_sigma;  ///< of the options, or 1 where the problem has a unit of its own; 0: from the residuals
   Observed_points data;
   Camera_rows rows;
+  Known_pose prior;
+  Free_motion motion;
 };
 
 }  // namespace kelvane

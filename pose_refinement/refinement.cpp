@@ -2,11 +2,13 @@
 // One descent, and another one from the mirrored pose where the first ends behind the target.
 #include "pose_refinement/refinement.h"
 
+#include <algorithm>
 #include <cmath>
 #include <utility>
 
 #include "pose_refinement/bad_argument.h"
 #include "pose_refinement/mirrored.h"
+#include "pose_refinement/motion.h"
 #include "pose_refinement/options.h"
 
 namespace kelvane {
@@ -21,11 +23,18 @@ const Argument& passed(const Argument& argument) {
 }
 
 /// Whether run() may have come to this end.
-bool can_end(Refine_exit exit, std::size_t num_steps, const Refine_options& options) {
-  const auto most = static_cast<std::size_t>(options.max_iterations);
-  if (exit == Refine_exit::max_iterations) return num_steps == most;
+bool can_end(Refine_exit exit, std::size_t num_entries, const Refine_options& options) {
+  const std::size_t most = static_cast<std::size_t>(options.max_iterations) + 1;
+  if (exit == Refine_exit::max_iterations) return num_entries == most;
   if (exit == Refine_exit::decrease && !(options.function_tolerance > 0.0)) return false;
-  return num_steps <= most && (num_steps > 0 || exit == Refine_exit::stopped);
+  return num_entries <= most && (num_entries > 1 || exit == Refine_exit::stopped);
+}
+
+/// Covariances and priors say how large noise is.
+double noise_sigma_of(const Refine_problem& problem, const Refine_options& options) {
+  const Pose_prior& prior = problem.prior;
+  const bool has_unit = problem.covariances.size + prior.covariance.size + prior.information.size > 0;
+  return options.noise_sigma > 0.0 || !has_unit ? options.noise_sigma : 1.0;
 }
 
 bool may_look_from_other_side(const std::optional<Refine_exit>& exit) { return exit && *exit != Refine_exit::no_cost; }
@@ -37,11 +46,14 @@ Refine_input::Refine_input(const Refine_problem& its_problem, const Refine_optio
       options(passed(its_options)),
       words(its_words),
       start(checked(its_problem.start)),
+      noise_sigma(noise_sigma_of(its_problem, its_options)),
       data(its_problem, start),
-      rows(passed(its_problem.camera)) {}
+      rows(passed(its_problem.camera)),
+      prior(its_problem.prior, data.world(), noise_sigma),
+      motion(its_problem.fixed, data.world().from_users(start), data.world()) {}
 
 Refinement::Refinement(const Refine_problem& problem, const Refine_options& options, const Words& words)
-    : input_(problem, options, words), descent_(input_.data, input_.rows, options) {}
+    : input_(problem, options, words), descent_(input_) {}
 
 /// Costs that are those of the poses are finite: nothing that the iteration meets then is stranger than what it makes.
 void Refinement::resume(const double* state, std::size_t size) {
@@ -54,7 +66,9 @@ void Refinement::resume(const double* state, std::size_t size) {
   if (resumed.first) check_cost(resumed.descent.history[resumed.first->num_entries - 1], resumed.first->scale);
   const Descent_state& descent = resumed.descent;
   check_cost(descent.history.back(), descent.loss.scale);
-  if (descent.exit && !can_end(*descent.exit, descent.history.size() - 1, input_.options)) refuse_state();
+  const bool is_beside = resumed.first && resumed.first->next == Other_side::tilted;
+  const std::size_t num_entries = descent.history.size() - (is_beside ? resumed.first->num_entries : 0);
+  if (descent.exit && !can_end(*descent.exit, num_entries, input_.options)) refuse_state();
   state_ = std::move(resumed);
 }
 
@@ -70,29 +84,79 @@ bool Refinement::run(Deadline deadline) {
 /// on can stop after the last one as after any other.
 void Refinement::advance() {
   Descent_state& descent = state_.descent;
-  if (descent.history.size() > static_cast<std::size_t>(input_.options.max_iterations)) {
+  if (num_entries_of_descent() > static_cast<std::size_t>(input_.options.max_iterations)) {
     descent.exit = Refine_exit::max_iterations;
     return;
   }
-  if (descent.history.empty()) {
-    descent_.begin(input_.data.world().from_users(input_.start), descent);
-  } else if (state_.first && state_.first->num_entries == descent.history.size()) {
-    descent_.begin(mirrored(descent.history.back().pose, input_.data), descent);
+  if (descent.history.empty() || (state_.first && state_.first->num_entries == descent.history.size())) {
+    begin_next();
   } else {
     descent_.iterate(descent);
   }
   look_from_other_side();
+  look_at_other_tilt();
   if (input_.options.watch && input_.options.watch(last_step(), num_iterations())) stop();
+}
+
+/// Those of a target tilted the other way are counted by themselves: they cannot cost the pose that was found its last
+/// ones.
+std::size_t Refinement::num_entries_of_descent() const {
+  return state_.descent.history.size() - (is_beside() ? state_.first->num_entries : 0);
+}
+
+bool Refinement::is_beside() const { return state_.first && state_.first->next == Other_side::tilted; }
+
+/// The other tilt is measured as the first one, by the scale that the loss has come to: whatever differs then is
+/// another minimum.
+void Refinement::begin_next() {
+  Descent_state& descent = state_.descent;
+  if (!state_.first) return descent_.begin(input_.data.world().from_users(input_.start), descent);
+  const Pose last = descent.history.back().pose;
+  const Pose other = is_beside() ? tilted(last, input_.data) : mirrored(last, input_.data);
+  descent_.begin(input_.motion.nearest(other), descent);
+  if (is_beside()) descent_.continue_with(state_.first->scale, descent);
 }
 
 /// Where most of the weight ends behind the camera, the mirrored pose is to be tried as well: a flat target has the
 /// same pixels there.
 void Refinement::look_from_other_side() {
   const Descent_state& descent = state_.descent;
-  if (state_.first || input_.rows.camera().sees_directions || !may_look_from_other_side(descent.exit)) return;
-  if (descent_.cost().part_behind(descent.history.back().pose) <= half) return;
-  state_.first = First_descent{*descent.exit, descent.loss.scale, descent.history.size()};
+  if (state_.first || !may_look_from_other_side(descent.exit) || !is_behind(descent.history.back().pose)) return;
+  state_.first = First_descent{*descent.exit, descent.loss.scale, descent.history.size(), Other_side::behind};
   state_.descent.exit.reset();
+}
+
+/// From afar a flat target has nearly the same pixels when it is tilted the other way, so that the cost has two minima
+/// of which a descent finds the one that is nearer. What has been found until then is kept.
+void Refinement::look_at_other_tilt() {
+  Descent_state& descent = state_.descent;
+  if (!descent.exit || is_beside()) return;
+  Descent_outcome found = outcome();
+  if (static_cast<int>(found.exit) <= 0) return;
+  descent.history = std::move(found.history);
+  descent.loss = found.loss;
+  descent.exit = found.exit;
+  state_.first.reset();
+  if (!is_flat()) return;
+  state_.first = First_descent{found.exit, found.loss.scale, descent.history.size(), Other_side::tilted};
+  descent.exit.reset();
+}
+
+/// Whether noise hides what stands out of a plane.
+bool Refinement::is_flat() {
+  constexpr double num_sigma = 5.0;
+  const Descent_entry& last = state_.descent.history.back();
+  const Pose at_middle;
+  if (length_between(last.pose, at_middle) == 0.0) return false;
+  std::vector<double> lengths;
+  if (input_.options.loss != Loss::none) lengths = descent_.cost().lengths(last.pose);
+  const double noise = noise_sigma_of(input_, input_.options.loss, last.cost, lengths);
+  return is_seen_flat(last.pose, input_, num_sigma * noise) && !is_behind(last.pose);
+}
+
+/// More than half of the weight; directions have no front.
+bool Refinement::is_behind(const Pose& pose) const {
+  return !input_.rows.camera().sees_directions && Pose_cost(input_).part_behind(pose) > half;
 }
 
 void Refinement::stop() {
@@ -103,12 +167,14 @@ Refine_step Refinement::last_step() const {
   const Descent_entry& last = state_.descent.history.back();
   const World& world = input_.data.world();
   const double rms = std::sqrt(last.cost / static_cast<double>(input_.data.num_used()));
-  return {world.to_users(last.pose), rms, last.turn, last.shift * world.unit};
+  Refine_step step{world.to_users(last.pose), rms, last.turn, last.shift * world.unit};
+  input_.motion.restore(input_.start, step.pose);
+  return step;
 }
 
-/// Of one that is over nothing is left but what it came to.
+/// Of one that is over nothing is left but what it came to, and the other tilt.
 std::vector<double> Refinement::state() const {
-  if (!state_.descent.exit) return row_of(state_);
+  if (!state_.descent.exit || is_beside()) return row_of(state_);
   Descent_outcome found = outcome();
   if (found.exit == Refine_exit::no_cost) return {};
   return row_of({{found.loss, 0.0, true, true, std::move(found.history), found.exit}});
@@ -120,12 +186,13 @@ Refine_result Refinement::result() const { return report(input_, outcome()); }
 Descent_outcome Refinement::outcome() const {
   const Descent_state& descent = state_.descent;
   Descent_outcome outcome{descent.exit.value_or(Refine_exit::stopped), descent.loss, descent.history};
-  if (state_.first && !is_other_side_better()) {
+  if (state_.first && (is_beside() || !is_other_side_better())) {
     outcome.exit = state_.first->exit;
     outcome.loss.scale = state_.first->scale;
     outcome.history.resize(state_.first->num_entries);
   }
-  Pose_cost cost(input_.data, input_.rows);
+  if (is_beside()) compare_tilts(outcome);
+  Pose_cost cost(input_);
   for (Descent_entry& entry : outcome.history) {
     if (entry.scale == outcome.loss.scale) continue;
     entry.cost = cost.cost(entry.pose, outcome.loss);
@@ -138,10 +205,31 @@ Descent_outcome Refinement::outcome() const {
 bool Refinement::is_other_side_better() const {
   const Descent_state& descent = state_.descent;
   if (descent.history.size() == state_.first->num_entries) return false;
-  Pose_cost cost(input_.data, input_.rows);
+  Pose_cost cost(input_);
   const Pose& found = descent.history.back().pose;
   return cost.part_behind(found) <= half &&
          cost.cost(found, descent.loss) <= cost.cost(descent.history.front().pose, descent.loss);
+}
+
+/// Where the other tilt is a minimum of its own, the better one of both is the outcome.
+void Refinement::compare_tilts(Descent_outcome& outcome) const {
+  const Descent_state& descent = state_.descent;
+  const Pose& found = outcome.history.back().pose;
+  const Pose& other = descent.history.back().pose;
+  const bool is_minimum = descent.exit && static_cast<int>(*descent.exit) > 0;
+  const double least_turn = std::max(1e-5, 100.0 * input_.options.step_tolerance);  // beyond what a step may leave
+  if (!is_minimum || angle_between(found, other) <= least_turn || is_behind(other)) return;
+  Pose_cost cost(input_);
+  const double rounding = cost.rounding();
+  if (descent.history.back().cost < cost.cost(found, descent.loss) - rounding) {
+    outcome.alternative = outcome.history.back();
+    outcome.exit = *descent.exit;
+    outcome.loss = descent.loss;
+    outcome.history = descent.history;
+  } else {
+    outcome.alternative = descent.history.back();
+  }
+  outcome.alternative->cost = cost.cost(outcome.alternative->pose, outcome.loss);
 }
 
 }  // namespace kelvane

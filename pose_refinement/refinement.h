@@ -41,9 +41,16 @@ class Refinement {
 
  private:
   void advance();
+  std::size_t num_entries_of_descent() const;
+  bool is_beside() const;
+  void begin_next();
   void look_from_other_side();
+  void look_at_other_tilt();
+  bool is_flat();
+  bool is_behind(const Pose& pose) const;
   Descent_outcome outcome() const;
   bool is_other_side_better() const;
+  void compare_tilts(Descent_outcome& outcome) const;
 
   Refine_input input_;
   Descent descent_;

@@ -10,11 +10,18 @@
 
 namespace kelvane {
 
-/// How the descent ended that came before that of the mirrored pose.
+/// Where another descent begins.
+enum class Other_side {
+  behind,  ///< at the pose mirrored behind the target
+  tilted   ///< at the target tilted the other way
+};
+
+/// How the descent ended that came before that one.
 struct First_descent {
   Refine_exit exit;
   double scale;             ///< of the loss, in the end
   std::size_t num_entries;  ///< of the history, that are its own
+  Other_side next;
 };
 
 /// All that the rest of a refinement depends on, beside its problem and options.

@@ -54,6 +54,7 @@ class Reporter {
     choose();
     is_determined_ = set_covariance(input_, outcome_.loss, sums_, lengths_, result_);
     set_exit();
+    set_alternative();
     result_.message = exit_message(input_, result_, sums_);
     return std::move(result_);
   }
@@ -71,27 +72,34 @@ class Reporter {
     result_.history.reserve(outcome_.history.size());
     for (const Descent_entry& entry : outcome_.history) {
       result_.history.push_back({world.to_users(entry.pose), root(entry.cost), entry.turn, entry.shift * world.unit});
+      input_.motion.restore(input_.start, result_.history.back().pose);
     }
-    result_.history.front().pose = input_.problem.start;  // not to the other world and back
+    result_.history.front().pose = input_.start;  // not to the other world and back
   }
 
   /// The last pose, unless another scale of the loss or rounding makes the start the better one.
   void choose() {
-    found_ = result_.history.size() > 1 ? result_.history.back().pose : input_.start;
+    found_ = result_.history.back().pose;
     result_.pose = found_;
     result_.exit = outcome_.exit;
-    Costs after = set_points();
-    Costs before = costs_of(input_.start);
+    Costs after = with_prior(set_points(), found_);
+    Costs before = with_prior(costs_of(input_.start), input_.start);
     result_.history.front().rms = root(before.robust);
     if (result_.history.size() > 1) result_.history.back().rms = root(after.robust);
     if (!(after.robust < before.robust)) {
       if (is_plainly_worse(after, before)) result_.exit = Refine_exit::uphill;
       found_ = input_.start;
       result_.pose = input_.problem.start;  // to the last bit
-      before = after = set_points();
+      before = after = with_prior(set_points(), found_);
     }
+    result_.history.front().pose = input_.problem.start;
     result_.before = root(before);
     result_.after = root(after);
+  }
+
+  Costs with_prior(Costs costs, const Pose& pose) const {
+    costs.robust += input_.prior.cost(input_.data.world().from_users(pose));
+    return costs.made_infinite();
   }
 
   /// By more than rounding.
@@ -125,7 +133,7 @@ class Reporter {
         costs.add(lengths[i], result_.is_inlier[sights.index[i]] != 0);
       }
     });
-    return costs.made_infinite();
+    return costs;
   }
 
   /// Everything that is told of each point of the pose.
@@ -144,7 +152,7 @@ class Reporter {
         costs.add(lengths[i], lengths[i] <= most_of_inliers_);
       }
     });
-    return costs.made_infinite();
+    return costs;
   }
 
   void set_residuals(const Sights& sights, const double* residuals) {
@@ -175,9 +183,27 @@ class Reporter {
     if (!is_determined_) {
       result_.exit = Refine_exit::undetermined;
     } else if (has_come_to_end && result_.num_behind > 0 &&
-               Pose_cost(input_.data, input_.rows).part_behind(input_.data.world().from_users(found_)) > half) {
+               Pose_cost(input_).part_behind(input_.data.world().from_users(found_)) > half) {
       result_.exit = Refine_exit::behind;
     }
+  }
+
+  void set_alternative() {
+    if (!outcome_.alternative) return;
+    result_.alternative = {input_.data.world().to_users(outcome_.alternative->pose), root(outcome_.alternative->cost)};
+    input_.motion.restore(input_.start, result_.alternative->pose);
+    if (static_cast<int>(result_.exit) > 0 && fits_as_well(outcome_.alternative->cost)) {
+      result_.exit = Refine_exit::ambiguous;
+    }
+  }
+
+  /// Whether the other pose is the true one with a probability of one in a thousand or more: exp(-D / 2) of that of the
+  /// result for costs that differ by D, in units of the noise. Where nothing tells the noise, rounding does.
+  bool fits_as_well(double cost) const {
+    const double least_odds = 2.0 * std::log(1000.0);
+    const double sigma = result_.noise_sigma;
+    const double of_noise = std::isfinite(sigma) ? least_odds * sigma * sigma : 0.0;
+    return cost - outcome_.history.back().cost <= of_noise + Pose_cost(input_).rounding();
   }
 
   const Refine_input& input_;

@@ -2,6 +2,7 @@
 // From what the iteration found to what the caller gets.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -13,8 +14,9 @@ namespace kelvane {
 /// What the iteration came to.
 struct Descent_outcome {
   Refine_exit exit;
-  Robust_loss loss;                    ///< with the scale in the end
-  std::vector<Descent_entry> history;  ///< with costs at that scale
+  Robust_loss loss;                               ///< with the scale in the end
+  std::vector<Descent_entry> history;             ///< with costs at that scale
+  std::optional<Descent_entry> alternative = {};  ///< another minimum, likewise
 };
 
 /// The result in the caller's world.
@@ -31,6 +33,10 @@ struct Point_sums {
 /// `lengths` are those of the residuals; they change places.
 bool set_covariance(const Refine_input& input, const Robust_loss& loss, const Point_sums& sums,
                     std::vector<double>& lengths, Refine_result& result);
+
+/// Standard deviation of a coordinate of an observation of weight 1: the known one, or from the sum of (w s)^2 and the
+/// lengths s, which change places; NaN where no equation is over.
+double noise_sigma_of(const Refine_input& input, Loss loss, double sum_of_pulls, std::vector<double>& lengths);
 
 /// Why the refinement ended, in words.
 std::string exit_message(const Refine_input& input, const Refine_result& result, const Point_sums& sums);

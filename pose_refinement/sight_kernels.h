@@ -19,6 +19,9 @@ struct Pixel_lens {
 /// Residuals r and weights are whole groups of d coordinates, laid out as the rows of a block are; lengths one for each
 /// point.
 struct Sight_kernels {
+  /// Multiplies the d coordinates of each point by its d by d matrix, of which each entry takes a row, for two
+  /// coordinates by its lower triangle: a column of residuals, or of their derivatives.
+  void (*whiten)(const double* whitening, std::size_t d, std::size_t num_groups, double* column);
   /// Turns what the kernels over points predict with the focal length fx into observed minus seen, or NaN in the plane
   /// of the camera centre.
   void (*subtract_pixels)(const double* observed, std::size_t num_groups, const Pixel_lens& lens, double* values);

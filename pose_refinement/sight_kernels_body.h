@@ -52,6 +52,28 @@ void subtract_pixels(const double* observed, std::size_t num_groups, const kelva
   }
 }
 
+template <int width, std::size_t d>
+[[gnu::always_inline]] inline void whiten_coordinates(const double* whitening, std::size_t num_groups, double* column) {
+  for (std::size_t point = 0; point < num_groups * group_size; point += width) {
+    double* const rows = column + first_row(point, d);
+    const double* const W = whitening + first_row(point, d * d);
+    V<width> given[d];
+    for (std::size_t k = 0; k < d; ++k) given[k] = load_anywhere<width>(rows + k * group_size);
+    for (std::size_t k = 0; k < d; ++k) {
+      const std::size_t most = d == 2 ? k : d - 1;  // those of pixels are lower triangles
+      V<width> sum = load_anywhere<width>(W + k * d * group_size) * given[0];
+      for (std::size_t j = 1; j <= most; ++j) sum += load_anywhere<width>(W + (k * d + j) * group_size) * given[j];
+      store_anywhere<width>(rows + k * group_size, sum);
+    }
+  }
+}
+
+template <int width>
+void whiten(const double* whitening, std::size_t d, std::size_t num_groups, double* column) {
+  if (d == 2) return whiten_coordinates<width, 2>(whitening, num_groups, column);
+  whiten_coordinates<width, 3>(whitening, num_groups, column);
+}
+
 template <int width>
 bool lengths(const double* weights, const double* residuals, std::size_t d, std::size_t num_groups, double* lengths) {
   constexpr double safe = 1e150;
@@ -169,7 +191,8 @@ void scale(const double* roots, std::size_t num_rows, double* column) {
 }
 
 template <int width>
-constexpr kelvane::Sight_kernels sight_kernels_of_width = {subtract_pixels<width>, lengths<width>,    add_costs<width>,
-                                                           weigh<width>,           add_slopes<width>, scale<width>};
+constexpr kelvane::Sight_kernels sight_kernels_of_width = {whiten<width>,    subtract_pixels<width>, lengths<width>,
+                                                           add_costs<width>, weigh<width>,           add_slopes<width>,
+                                                           scale<width>};
 
 }  // namespace

@@ -7,9 +7,12 @@ function rows = refined_rows(found, starts, points, observations)
   n = size(found.figures, 2);
   figures = num2cell(found.figures);
   failed = ~cellfun('isempty', found.identifier);
-  poses = pose_structs([found.steps(4:15, :), found.pose]);
+  poses = pose_structs([found.steps(4:15, :), found.pose, found.alternative(2:13, found.has_alternative)]);
   num_steps = size(found.steps, 2);
-  finals = poses(num_steps + 1:end);
+  finals = poses(num_steps + (1:n));
+  others = struct('pose', poses(num_steps + n + 1:end), 'rms', num2cell(found.alternative(1, found.has_alternative)));
+  found.alternative = cell(1, n);
+  found.alternative(found.has_alternative) = num2cell(others);
   found.pose = finals;
   found.history = mat2cell(steps_of(found.steps, poses(1:num_steps)), 1, found.num_steps);
   found.message = repeated(found.message);
@@ -56,7 +59,8 @@ function infos = infos_of(found, figures)
                  'residuals', found.residuals, 'history', found.history, 'covariance', covariances, ...
                  'noise_sigma', figures(9, :), 'inliers', found.inliers, 'num_inliers', figures(10, :), ...
                  'loss_scale', figures(11, :), 'num_behind', figures(12, :), 'num_left_out', figures(13, :), ...
-                 'pose', found.pose, 'points', found.points, 'observations', found.observations, 'intrinsics', cameras);
+                 'pose', found.pose, 'alternative', found.alternative, 'points', found.points, ...
+                 'observations', found.observations, 'intrinsics', cameras);
 end
 
 % A text that is the same as the one before it comes empty.

@@ -22,6 +22,10 @@
 %!    info.history(k) = struct('pose', pose_of(step(4:15)), 'rms', step(1), 'turn', step(2), 'shift', step(3));
 %!  end
 %!  info.pose = pose_of(found.pose);
+%!  info.alternative = [];
+%!  if found.has_alternative
+%!    info.alternative = struct('pose', pose_of(found.alternative(2:13)), 'rms', found.alternative(1));
+%!  end
 %!endfunction
 
 %!function pose = pose_of(column)
@@ -52,3 +56,16 @@
 %!   assert(isequaln(orderfields(rows(2).info), orderfields(expected)));
 %!   assert([rows(2).exitflag, rows(2).rms_before, rows(2).rms_after], found.figures(1:3)');
 %! end
+
+%!test  % the other tilt of a flat target that is far away
+%! scene = scene_of('none');
+%! scene.points(3, :) = 0;
+%! scene.start = kelvane_pose([0.4 -0.3 0.1 0 0 0], 'rotation_vector', 'world_from_camera');
+%! scene.start.centre = -200 * scene.start.rotation(:, 3);
+%! scene.pixels = kelvane_project(scene.start, scene.points, scene.K) + 0.2 * sin((1:2)' * (1:30));
+%! found = kelvane_engine('refine', {scene.start}, {scene.points}, {scene.pixels}, {scene.K}, struct());
+%! assert(found.has_alternative);
+%! expected = expected_info(found);
+%! [~, info] = kelvane_refine(scene.start, scene.points, scene.pixels, scene.K);
+%! assert(isequaln(info.alternative, expected.alternative));
+%! assert(info.exitflag, -6);

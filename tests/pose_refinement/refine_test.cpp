@@ -53,7 +53,7 @@ TEST_P(Refine, FindsTheTruthFromExactData) {
     support::Random random(100 + n);
     const Refined_problem problem = support::random_scene(random, n, sees_directions(), 0.0);
     const Refine_result result = refined(problem);
-    EXPECT_TRUE(is_converged(result)) << result.message;
+    EXPECT_TRUE(is_converged(result) || (n == 3 && result.exit == Refine_exit::ambiguous)) << result.message;
     if (n > 3) {  // three points have up to four poses
       EXPECT_TRUE(support::is_close(numbers_of(result.pose), numbers_of(support::pose_of_scene), tolerance::solved));
     }
@@ -71,8 +71,13 @@ TEST_P(Refine, NeverGoesUphill) {
     // All on one scale, from the first to the last: one so wide that it does not come down.
     options.loss_scale = 1e6 * noise();
     const Refine_result result = refine(problem.view(), options);
+    bool may_jump = result.alternative.has_value();  // once, to the other tilt
     for (std::size_t k = 1; k < result.history.size(); ++k) {
       if (result.history[k].turn > support::pi / 2.0) continue;  // to the mirrored pose
+      if (may_jump && result.history[k].rms > result.history[k - 1].rms * (1.0 + 1e-13)) {
+        may_jump = false;
+        continue;
+      }
       EXPECT_LE(result.history[k].rms, result.history[k - 1].rms * (1.0 + 1e-13)) << "step " << k;
     }
     EXPECT_EQ(result.history.back().rms, result.after.robust);

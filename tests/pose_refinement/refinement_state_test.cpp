@@ -21,6 +21,13 @@ using kelvane::Refine_options;
 using kelvane::Refine_problem;
 using kelvane::Refinement;
 
+constexpr std::size_t num_once = 10;
+constexpr std::size_t num_per_entry = 16;
+
+double num_entries_of(const std::vector<double>& state) {
+  return static_cast<double>((state.size() - num_once) / num_per_entry);
+}
+
 std::size_t num_entries(const Refine_problem& problem, const Refine_options& options) {
   Refinement refinement(problem, options);
   EXPECT_TRUE(refinement.run(Deadline::max()));
@@ -32,6 +39,18 @@ std::vector<double> some_state(const Refine_problem& problem, const Refine_optio
   Refinement refinement(problem, options);
   for (std::size_t k = 0; k <= num_steps; ++k) EXPECT_FALSE(refinement.run(Deadline::min()));
   return refinement.state();
+}
+
+/// A state in the descent that began last at the mirrored pose, 0, or at the other tilt, 1.
+std::vector<double> state_beside(const Refine_problem& problem, const Refine_options& options, double next) {
+  Refinement refinement(problem, options);
+  std::vector<double> found;
+  while (!refinement.run(Deadline::min())) {
+    const std::vector<double> state = refinement.state();
+    if (state[7] > 0.0 && state[8] == next && num_entries_of(state) > state[7]) found = state;
+  }
+  EXPECT_FALSE(found.empty()) << next;
+  return found;
 }
 
 std::vector<double> last_state(const Refine_problem& problem, const Refine_options& options) {
@@ -55,41 +74,57 @@ bool is_refused(const Refine_problem& problem, const Refine_options& options, co
   return false;
 }
 
-TEST(RefinementState, SurvivesWhatIsNoState) {
-  constexpr double nan = std::numeric_limits<double>::quiet_NaN();
-  constexpr double infinity = std::numeric_limits<double>::infinity();
-  support::Random random(7);
+/// A flat target with a wrong observation or two, seen from the front or, as start, from behind.
+support::Refined_problem flat_problem(bool is_behind) {
+  support::Random random(16);
   auto problem = support::random_scene(random, 12, false, 1.0);
   for (std::size_t i = 2; i < problem.points.size(); i += 3) problem.points[i] = 0.0;
-  problem.start.centre[2] = 3.5;
-  const Refine_problem view = problem.view();
-  Refine_options options;
-  options.loss = Loss::tukey;
-  const std::size_t num_steps = num_entries(view, options) - 2;
-  for (const std::size_t step : {std::size_t{0}, num_steps, num_steps + 1}) {
-    const std::vector<double> good = step > num_steps ? last_state(view, options) : some_state(view, options, step);
-    EXPECT_EQ(good[7] > 0.0, step == num_steps) << "not in the second descent";
-    EXPECT_EQ(good[8]<100.0, step> num_steps) << "not over";
-    EXPECT_FALSE(is_refused(view, options, good));
-    for (std::size_t i = 0; i < good.size(); ++i) {
-      for (const double value : {nan, infinity, -infinity, -1.0, 0.0, 0.5, 3.0, 1e300, good[i] + 1e-3}) {
-        SCOPED_TRACE(testing::Message() << "number " << i << " is " << value);
-        std::vector<double> state = good;
-        state[i] = value;
-        const bool is_wrong_exit = i == 5 && step == num_steps && value != 3.0;
-        const bool is_wrong_end = i == 8 && value != -1.0;  // stopped, at any time
-        const bool is_newest = i + 16 >= good.size();
-        const bool must_be = i == 0 || i == 1 || is_wrong_exit || is_wrong_end || is_newest;
-        const bool matters = i + 3 < good.size() && value != good[i];  // its scale, turn and shift are but told
-        EXPECT_TRUE(is_refused(view, options, state) || !must_be || !matters);
-      }
-    }
-    for (std::size_t size = 0; size < good.size(); ++size) {
-      if (size >= 25 && (size - 9) % 16 == 0) continue;  // an earlier state, perhaps
-      EXPECT_TRUE(is_refused(view, options, std::vector<double>(good.begin(), good.begin() + static_cast<long>(size))));
+  for (std::size_t i = 0; i < problem.points.size() / 3 && !is_behind; ++i) {
+    const auto seen = support::seen(problem.camera, support::pose_of_scene, &problem.points[3 * i]);
+    for (std::size_t k = 0; k < 2; ++k) problem.observations[2 * i + k] = seen[k] + support::normal(random);
+  }
+  if (is_behind) problem.start.centre[2] = 3.5;
+  return problem;
+}
+
+/// Every number of a state replaced by others: refused where it must be, and harmless otherwise.
+void spoil(const Refine_problem& view, const Refine_options& options, const std::vector<double>& good) {
+  constexpr double nan = std::numeric_limits<double>::quiet_NaN();
+  constexpr double infinity = std::numeric_limits<double>::infinity();
+  const bool is_beside = good[7] > 0.0;
+  EXPECT_FALSE(is_refused(view, options, good));
+  for (std::size_t i = 0; i < good.size(); ++i) {
+    for (const double value : {nan, infinity, -infinity, -1.0, 0.0, 0.5, 3.0, 1e300, good[i] + 1e-3}) {
+      SCOPED_TRACE(testing::Message() << "number " << i << " is " << value);
+      std::vector<double> state = good;
+      state[i] = value;
+      const bool is_wrong_exit = i == 5 && is_beside && value != 3.0;
+      const bool is_wrong_side = i == 8 && is_beside && value != 0.0;
+      const bool is_wrong_end = i == 9 && value != -1.0;  // stopped, at any time
+      const bool is_newest = i + num_per_entry >= good.size();
+      const bool must_be = i == 0 || i == 1 || is_wrong_side || is_wrong_exit || is_wrong_end || is_newest;
+      const bool matters = i + 3 < good.size() && value != good[i];  // its scale, turn and shift are but told
+      EXPECT_TRUE(is_refused(view, options, state) || !must_be || !matters);
     }
   }
-  EXPECT_TRUE(is_refused(view, options, std::vector<double>(25, nan)));
+  for (std::size_t size = 0; size < good.size(); ++size) {
+    if (size >= num_once + num_per_entry && (size - num_once) % num_per_entry == 0) continue;  // earlier, perhaps
+    EXPECT_TRUE(is_refused(view, options, std::vector<double>(good.begin(), good.begin() + static_cast<long>(size))));
+  }
+  EXPECT_TRUE(is_refused(view, options, std::vector<double>(num_once + num_per_entry, nan)));
+}
+
+TEST(RefinementState, SurvivesWhatIsNoState) {
+  Refine_options options;
+  options.loss = Loss::tukey;
+  const auto behind = flat_problem(true);
+  const auto front = flat_problem(false);
+  spoil(behind.view(), options, some_state(behind.view(), options, 0));
+  spoil(behind.view(), options, state_beside(behind.view(), options, 0.0));
+  spoil(front.view(), options, state_beside(front.view(), options, 1.0));
+  support::Random random(7);
+  const auto solid = support::random_scene(random, 12, false, 1.0);
+  spoil(solid.view(), options, last_state(solid.view(), options));
 }
 
 TEST(RefinementState, RefusesAnEndThatCannotBe) {
@@ -98,7 +133,7 @@ TEST(RefinementState, RefusesAnEndThatCannotBe) {
   const Refine_problem view = problem.view();
   Refine_options options;
   const auto is_refused_with = [&](std::vector<double> state, Refine_exit exit) {
-    state[8] = static_cast<double>(exit);
+    state[9] = static_cast<double>(exit);
     return is_refused(view, options, state);
   };
   const std::vector<double> good = last_state(view, options);

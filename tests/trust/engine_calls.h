@@ -78,13 +78,19 @@ inline Problem good_problem(std::size_t kind, std::size_t num_points) {
   const mxArray centre = mex_host::column({scene.start.centre[0], scene.start.centre[1], scene.start.centre[2]});
   const mxArray K = mex_host::real_matrix(3, 3, {800, 0, 0, 12, 650, 0, 320, 240, 1});
   const mxArray weights = mex_host::row(std::vector<double>(num_points, 2.0));
+  const auto identity = [](std::size_t n, double size) {
+    std::vector<double> values(n * n, 0.0);
+    for (std::size_t i = 0; i < n; ++i) values[(n + 1) * i] = size;
+    return mex_host::real_matrix(n, n, values);
+  };
   switch (kind) {
     case 0:
       return {mex_host::structure({{"rotation", rotation}, {"centre", centre}}), points, seen, K,
               options("", "", "huber", weights)};
     case 1:
       return {mex_host::row({0.36, -0.45, 0.17, 0.3, -0.3, -3.7}), points, seen, mex_host::row({}),
-              options("rotation_vector", "world_from_camera", "none", mex_host::row({}))};
+              with_field(options("rotation_vector", "world_from_camera", "none", mex_host::row({})),
+                         "ObservationCovariance", identity(3, 4.0))};
     case 2:
       return {mex_host::cell({rotation, centre}), points, seen,
               mex_host::structure({{"FocalLength", mex_host::row({800, 650})},
@@ -97,7 +103,11 @@ inline Problem good_problem(std::size_t kind, std::size_t num_points) {
     default:
       return {mex_host::structure({{"R", rotation}, {"Translation", mex_host::row(centre.values)}}), transposed(points),
               transposed(seen), mex_host::row({800, 650, 320, 240}),
-              options("rigidtform3d", "world_from_camera", "cauchy", mex_host::row({}))};
+              with_field(with_field(options("rigidtform3d", "world_from_camera", "cauchy", mex_host::row({})), "Prior",
+                                    mex_host::structure(
+                                        {{"pose", mex_host::structure({{"rotation", rotation}, {"centre", centre}})},
+                                         {"covariance", identity(6, 1.0)}})),
+                         "Fixed", mex_host::real_matrix(6, 1, {0, 0, 0, 0, 0, 1}))};
   }
 }
 

@@ -144,7 +144,10 @@ Result without_inputs(Result result) {
 
 /// An option that is no more than a number, and given a truth value: taken for a slip.
 bool is_refused_option(const std::string& path, const std::string& class_name) {
-  return class_name == "logical" && path.rfind("input 6", 0) == 0 && path.find("Weights") == std::string::npos;
+  const char* const matrices[] = {"Weights", "ObservationCovariance", "Prior", "Fixed"};
+  const bool is_matrix = std::any_of(std::begin(matrices), std::end(matrices),
+                                     [&path](const char* name) { return path.find(name) != std::string::npos; });
+  return class_name == "logical" && path.rfind("input 6", 0) == 0 && !is_matrix;
 }
 
 /// Numbers are numbers, whatever the class or the storage.
