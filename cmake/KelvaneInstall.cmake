@@ -11,6 +11,7 @@ set(internal_headers
   fw_opt/underdetermined_system.h)
 set(engine_headers
   camera_pose/rotation_type.h
+  cameras/lens.h
   contract/argument_contract.h
   contract/refinement.h
   pose_refinement/camera_model.h

@@ -26,6 +26,12 @@ struct Vector {
   // NOLINTEND(modernize-use-using)
 };
 
+/// One number, for what is done with points one by one.
+template <>
+struct Vector<1> {
+  using type = double;
+};
+
 template <int width>
 using V = typename Vector<width>::type;
 

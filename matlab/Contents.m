@@ -17,6 +17,11 @@
 %   kelvane_pose           - Convert camera poses between forms and frames.
 %   kelvane_project        - Where a camera sees points, and how that changes with its pose.
 %
+% Lenses
+%   kelvane_camera         - Describe a camera with its lens, in the words of COLMAP, OpenCV, MATLAB or BAL.
+%   kelvane_undistort      - Remove the lens from pixels: ideal pixels, or directions.
+%   kelvane_distort        - Where a camera with its lens sees ideal pixels or directions.
+%
 % Rotation types
 %   kelvane_types          - The rotation types: what a search vector holds and what is predicted from it.
 %   kelvane_check_gradient - Compare the derivatives in kelvane_mex with differences of its prediction, at your own pose.

@@ -89,18 +89,20 @@ function [pose, points, K] = scene_of(pose, points, intrinsics, options)
     points = points';
   end
   points = points(:, unique(round(linspace(1, n, min(n, 20)))));
-  K = matrix_of(intrinsics);
+  K = matrix_of(intrinsics, size(seen, 1));
   if ~isempty(K) && (K(1, 1) ~= K(2, 2) || K(1, 2) ~= 0)
     error('kelvane:intrinsics', 'kelvane_mex has one focal length and no skew: there is no such derivative to check.');
   end
 end
 
-% From where a camera in the world's own frame sees three points at depth 1: the columns of K, added to the last.
-function K = matrix_of(intrinsics)
+% [] for directions, which have three rows.
+function K = matrix_of(intrinsics, num_rows)
   K = [];
-  seen = kelvane_project(eye(4), [1 0 0; 0 1 0; 1 1 1], intrinsics, 'PoseFrame', 'world_from_camera');
-  if size(seen, 1) == 2
-    K = [seen(:, 1:2) - seen(:, 3), seen(:, 3); 0, 0, 1];
+  if num_rows == 2
+    [K, coefficients, kind] = call_engine('camera_as', intrinsics, 'opencv');
+    if any(coefficients) || strcmp(kind, 'fisheye')
+      error('kelvane:intrinsics', 'kelvane_mex knows no lens: there is no such derivative to check.');
+    end
   end
 end
 
@@ -257,6 +259,8 @@ end
 %! assert(~isempty(strfind(text, 'They agree.')));
 
 %!error <The points are too far from the camera> kelvane_check_gradient(some_pose(), 1e200 * some_points(), [500 0 0])
+%!error <knows no lens> kelvane_check_gradient(some_pose(), some_points(), kelvane_camera([500 320 240], [0.1 0 0 0]))
+%!error <knows no lens> kelvane_check_gradient(some_pose(), some_points(), kelvane_camera([500 320 240], [0 0 0 0], 'fisheye'))
 %!error <Four points are the least for every type; there are 3> kelvane_check_gradient(some_pose(), eye(3), [500 0 0])
 %!error <Four points are the least for every type; there is 1> kelvane_check_gradient(some_pose(), [1; 2; 3], [500 0 0])
 %!error <one focal length and no skew> kelvane_check_gradient(some_pose(), some_points(), [5 0 0; 0 6 0; 0 0 1])

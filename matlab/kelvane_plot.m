@@ -86,7 +86,7 @@ function yes = is_info(info)
     yes = is_history(info.history) && is_pose(info.pose) && are_numbers({info.loss_scale, 1, 1, info.rms_before, 1, 1, ...
           info.rms_after, 1, 1, info.points, 3, n, info.observations, d, n, info.covariance, 6, 6}) && ...
           islogical(info.inliers) && isequal(size(info.inliers), [1, n]) && ...
-          (isempty(info.intrinsics) || are_numbers({info.intrinsics, 3, 3}));
+          (isempty(info.intrinsics) || isfield(info.intrinsics, 'model') || are_numbers({info.intrinsics, 3, 3}));
   end
 end
 
@@ -170,6 +170,15 @@ end
 %! assert(lines(:, 1:3:end) - lines(:, 2:3:end), info.residuals, 1e-9);
 %! assert(get(h(1).axes, 'ydir'), 'reverse');
 %! assert([get(h(4).points, 'xdata'); get(h(4).points, 'ydata'); get(h(4).points, 'zdata')], info.points);
+
+%!test  % through a lens: its pixels, and the pyramid of its rays
+%! camera = kelvane_camera('OPENCV_FISHEYE', [300 300 320 240 0.05 -0.01 0 0]);
+%! info = some_info(camera, 'Loss', 'tukey');
+%! f = hidden_figure();
+%! closing = onCleanup(@() close(f));
+%! h = kelvane_plot(info);
+%! seen = kelvane_project(info.pose, info.points, camera);
+%! assert([get(h(2).predicted, 'xdata'); get(h(2).predicted, 'ydata')], seen, 1e-9);
 
 %!test  % the ellipsoid is that of the covariance, times the power of ten that the title tells
 %! info = some_info([500 320 240]);

@@ -7,7 +7,8 @@
 %   Inputs:
 %     pose        struct of kelvane_pose, or any of its forms, named by 'PoseForm' and 'PoseFrame'
 %     points      3 x N or N x 3 world points; 3 x 3 are columns
-%     intrinsics  [f cx cy], [fx fy cx cy], 3 x 3 K or cameraIntrinsics without distortion; [] for unit bearing vectors
+%     intrinsics  a camera of kelvane_camera, with its lens; or [f cx cy], [fx fy cx cy], 3 x 3 K, MATLAB's cameraIntrinsics
+%                 or cameraParameters; [] for unit bearing vectors
 %
 %   Options:
 %     'PoseForm'   form of the pose, needed where its size leaves a doubt
@@ -16,7 +17,8 @@
 %   Outputs:
 %     seen   2 x N pixels (u; v), or 3 x N unit directions in the camera frame. A point behind the camera has a pixel too:
 %            where the line through it and the centre meets the image. In the plane of the centre, or too near to it for
-%            its depth to be more than rounding, it is NaN. So is the direction of a point at the centre.
+%            its depth to be more than rounding, it is NaN. So is the direction of a point at the centre, and the pixel of one
+%            beyond where a lens folds back. A fisheye sees behind itself, too.
 %     J      2 N x 6 or 3 N x 6: derivatives of seen(:) by [w; dt], w a rotation vector in the camera frame (radians;
 %            world_from_camera becomes R * expm of the cross matrix of w) and dt a shift of the centre (world unit)
 %     depth  1 x N, along the optical axis, world unit; negative behind the camera
@@ -29,7 +31,7 @@
 %     (320, 240) at depth 5
 %     (400, 400) at depth 10
 %
-%   See also kelvane_refine, kelvane_pose, kelvane_check_gradient.
+%   See also kelvane_camera, kelvane_refine, kelvane_pose, kelvane_check_gradient.
 
 % SPDX-License-Identifier: BSD-3-Clause
 % The prediction of pixels and bearings with its derivative.
@@ -74,7 +76,9 @@ end
 %! pose = some_pose();
 %! points = [1 2 3; -2 0 1; 0.5 0.1 -1; 3 1 2; -1 -1 -9]';
 %! h = 3e-4;
-%! for intrinsics = {some_matrix(), [500 1 2], []}
+%! lens = kelvane_camera(some_matrix(), [-0.1 0.01 1e-3 -2e-3 1e-3]);
+%! fisheye = kelvane_camera('THIN_PRISM_FISHEYE', [500 510 1 2 1e-2 -1e-3 1e-3 2e-3 1e-4 0 1e-3 -1e-3]);
+%! for intrinsics = {some_matrix(), [500 1 2], [], lens, fisheye, kelvane_camera('BAL', [500 -0.05 0.01])}
 %!   [seen, J] = kelvane_project(pose, points, intrinsics{1});
 %!   for k = 1:6
 %!     difference = 0;
@@ -96,10 +100,21 @@ end
 %! points = [1 2 3; -2 0 1]';
 %! assert(kelvane_project(some_pose(), points, object), kelvane_project(some_pose(), points, some_matrix()), -1e-12);
 %! object.RadialDistortion = [0.1 0];
-%! fail('kelvane_project(some_pose(), points, object)', 'These intrinsics have lens distortion');
+%! lens = kelvane_camera(some_matrix(), [0.1 0 0 0]);
+%! assert(kelvane_project(some_pose(), points, object), kelvane_project(some_pose(), points, lens));
 %! object.RadialDistortion = [0 0];
 %! object.TangentialDistortion = [0 0.1];
-%! fail('kelvane_project(some_pose(), points, object)', 'These intrinsics have lens distortion');
+%! lens = kelvane_camera(some_matrix(), [0 0 0 0.1]);
+%! assert(kelvane_project(some_pose(), points, object), kelvane_project(some_pose(), points, lens));
+
+%!test  % BAL's camera sees what lies along -z, with y up; a point beyond a fold has neither pixel nor derivative
+%! pose = kelvane_pose(eye(4), 'matrix4x4', 'camera_from_world');
+%! [pixel, ~, depth] = kelvane_project(pose, [1; 2; -4], kelvane_camera('BAL', [100 0.1 0]));
+%! assert(pixel, 100 * (1 + 0.1 * 5 / 16) * [1; 2] / 4, 1e-12);
+%! assert(depth, 4);
+%! [pixel, J] = kelvane_project(pose, [2 0.1; 0 0; 1 1], kelvane_camera('SIMPLE_RADIAL', [100 0 0 -1/3]));
+%! assert(isnan(pixel), logical([1 0; 1 0]));
+%! assert(isnan(J), repmat(logical([1; 1; 0; 0]), 1, 6));
 
 %!test  % a point behind the camera has a negative depth and the pixel of the line through it and the centre
 %! pose = kelvane_pose(eye(4), 'matrix4x4', 'camera_from_world');

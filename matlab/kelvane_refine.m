@@ -13,9 +13,10 @@
 %     observations  2 x N or N x 2: pixels (u, v); or 3 x N or N x 3: directions to the points in the camera frame, of any
 %                   length but zero; 3 x 3 are columns. Points may then lie anywhere around the camera. A point with a
 %                   NaN in its observation was not seen and is left out.
-%     intrinsics    of pixels: [f cx cy] or [fx fy cx cy], pixels; a 3 x 3 K = [fx s cx; 0 fy cy; 0 0 1], or a multiple of
-%                   it; or MATLAB's cameraIntrinsics without distortion, which needs undistorted observations. Of
-%                   directions: []. The cost is in pixels for every K, with unequal focal lengths and skew as well.
+%     intrinsics    of pixels: a camera of kelvane_camera, with its lens; [f cx cy] or [fx fy cx cy], pixels; a 3 x 3 K =
+%                   [fx s cx; 0 fy cy; 0 0 1], or a multiple of it; or MATLAB's cameraIntrinsics or cameraParameters, whose
+%                   distortion counts. Of directions: []. The cost is in the pixels that were measured, through the lens and
+%                   for every K. A point that lies beyond where the lens folds back, as pose0 sees it, is left out.
 %
 %   Options, by name in any capitals, or as a struct:
 %     'PoseForm'           form of pose0, see kelvane_pose; needed where its size leaves a doubt
@@ -77,11 +78,11 @@
 %       num_inliers    how many they are
 %       loss_scale     the scale that was used, Inf without a loss
 %       num_behind     pixels' points with the camera's back to them
-%       num_left_out   points without an observation or a weight
+%       num_left_out   points without an observation, a weight or an image in the lens
 %       pose           the refined pose as struct of kelvane_pose
 %       alternative    where the points are flat to within the noise, and tilted the other way lead to another minimum of the
 %                      cost: struct with its pose (struct of kelvane_pose) and rms; otherwise []
-%       points, observations, intrinsics  as they were read: 3 x N, 2 x N or 3 x N, and 3 x 3 or []
+%       points, observations, intrinsics  as they were read: 3 x N, 2 x N or 3 x N, and 3 x 3, [] or a camera with a lens
 %
 %   Example:
 %     points = [-1 1 1 -1 0 0.5; -1 -1 1 1 0 0.3; 0 0.2 0 0.4 1 -0.5];
@@ -93,7 +94,7 @@
 %   Output:
 %     centre (0.100000, -0.200000, -4.000000), RMS 8.1 before, 0.0 after
 %
-%   See also kelvane_pose, kelvane_project, kelvane_batch, kelvane_plot, kelvane_mex.
+%   See also kelvane_camera, kelvane_pose, kelvane_project, kelvane_batch, kelvane_plot, kelvane_mex.
 
 % SPDX-License-Identifier: BSD-3-Clause
 % The door to the refinement of kelvane_engine, which the user can interrupt and watch.
@@ -107,7 +108,8 @@ function [pose, info] = kelvane_refine(pose0, points, observations, intrinsics, 
   if isempty(form)
     form = options.PoseForm;
   end
-  inputs = {{pose0}, {points}, {observations}, {plain_object(intrinsics, 'cameraIntrinsics')}};
+  camera = plain_object(intrinsics, 'cameraIntrinsics');
+  inputs = {{pose0}, {points}, {observations}, {camera}};
   is_watched = ~isempty(options.OutputFcn) || strcmp(options.Display, 'iter');
   num_shown = 0;
   [result, is_over] = refined(inputs, options, [], is_watched);
@@ -120,12 +122,26 @@ function [pose, info] = kelvane_refine(pose0, points, observations, intrinsics, 
   end
   pose = written_pose(result.pose, form);
   info = result.info;
+  if isstruct(camera)
+    info.intrinsics = with_lens(camera, info.intrinsics);
+  end
   if is_watched
     show_rest(pose, info, num_shown, options);
   end
   if ~strcmp(options.Display, 'off')
     fprintf('%s\nRMS %.6g before, %.6g after %d iteration%s.\n', info.message, info.rms_before, info.rms_after, ...
             info.iterations, repmat('s', 1, info.iterations ~= 1));
+  end
+end
+
+% The camera where it has a lens, K where that is all there is.
+function intrinsics = with_lens(camera, K)
+  intrinsics = K;
+  camera = call_engine('camera', camera);
+  is_pinhole = any(strcmp(camera.model, {'SIMPLE_PINHOLE', 'PINHOLE'})) || ...
+               (strcmp(camera.model, 'GENERAL_PERSPECTIVE') && ~any(camera.parameters(6:end)));
+  if ~is_pinhole
+    intrinsics = camera;
   end
 end
 

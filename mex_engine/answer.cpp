@@ -16,10 +16,10 @@ struct Question {
 };
 
 constexpr Question questions[] = {
-    {"refine", 5, 8, 1, refine_poses},
-    {"descend", 5, 8, 1, descend},
-    {"project", 3, 4, 3, project_points},
-    {"pose", 1, 5, 1, convert_pose},
+    {"refine", 5, 8, 1, refine_poses},        {"descend", 5, 8, 1, descend},
+    {"project", 3, 4, 3, project_points},     {"pose", 1, 5, 1, convert_pose},
+    {"camera", 1, 4, 2, describe_camera},     {"camera_as", 2, 2, 3, convert_camera},
+    {"undistort", 3, 3, 2, undistort_pixels}, {"distort", 2, 2, 2, distort_pixels},
 };
 
 const Question& question_of(const mxArray* name) {
@@ -27,7 +27,9 @@ const Question& question_of(const mxArray* name) {
   for (const Question& question : questions) {
     if (wanted == question.name) return question;
   }
-  refuse("inputs", "There are 'refine', 'descend', 'project' and 'pose', but no " + quoted(wanted) + ".");
+  refuse("inputs",
+         "There are 'refine', 'descend', 'project', 'pose', 'camera', 'camera_as', 'undistort' and 'distort', but no " +
+             quoted(wanted) + ".");
 }
 
 }  // namespace

@@ -44,6 +44,10 @@ std::unique_ptr<Answer> project_points(const Inputs& inputs);
 /// value = ('pose', value, form, frame, new_form, new_frame)
 /// in the new form, all names being texts; without one as the struct of kelvane_pose.
 std::unique_ptr<Answer> convert_pose(const Inputs& inputs);
+std::unique_ptr<Answer> describe_camera(const Inputs& inputs);
+std::unique_ptr<Answer> convert_camera(const Inputs& inputs);
+std::unique_ptr<Answer> undistort_pixels(const Inputs& inputs);
+std::unique_ptr<Answer> distort_pixels(const Inputs& inputs);
 
 /// The answer to all inputs of a call. Throws as well where too many outputs are wanted.
 std::unique_ptr<Answer> answer_to(int num_outputs, int num_inputs, const mxArray* const* inputs);

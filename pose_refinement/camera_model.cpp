@@ -47,6 +47,14 @@ Camera_model pixel_camera(const double (&K)[3][3]) {
   return camera;
 }
 
+Camera_model lens_camera(const Lens& lens) {
+  const auto& K = lens.K;
+  Camera_model camera{false, K[0][0], K[0][1], K[0][2], K[1][1], K[1][2]};
+  check(camera);
+  if (!is_pinhole(lens)) camera.lens = lens;
+  return camera;
+}
+
 Camera_model direction_camera() { return {}; }
 
 }  // namespace kelvane

@@ -28,9 +28,14 @@ Camera_rows::Camera_rows(const Camera_model& camera, Instruction_set set)
     : camera_(camera),
       lens_{camera.skew / camera.fx, camera.fy / camera.fx, camera.cx, camera.cy, 1e13 * std::abs(camera.fx)},
       kernels_(&point_kernels(set)),
-      sight_kernels_(&kelvane::sight_kernels(set)) {}
+      sight_kernels_(&kelvane::sight_kernels(set)),
+      lens_kernels_(&kelvane::lens_kernels(set)) {}
 
 void Camera_rows::residuals(const Sights& sights, const Pose& pose, double* values) const {
+  if (camera_.lens) {
+    return lens_kernels_->residuals(sights.points, sights.num_points, placed(pose), *camera_.lens, sights.observed,
+                                    values);
+  }
   if (!camera_.sees_directions) {
     kernels_->predict_pixels(sights.points, sights.num_points, placed(pose, camera_.fx), values);
     return sight_kernels_->subtract_pixels(sights.observed, sights.num_groups(), lens_, values);
@@ -56,6 +61,10 @@ void Camera_rows::bend_rows(const Sights& sights, Block& block) const {
 void Camera_rows::linearise(const Sights& sights, const Pose& pose, Block& block) const {
   block.resize(6);
   double* const values = block.column(6);
+  if (camera_.lens) {
+    return lens_kernels_->rows(sights.points, sights.num_points, placed(pose), *camera_.lens, sights.observed,
+                               block.column(0), block.stride());
+  }
   if (!camera_.sees_directions) {
     kernels_->pixel_rows(sights.points, sights.num_points, placed(pose, camera_.fx), block.column(0), block.stride());
     bend_rows(sights, block);
@@ -82,11 +91,20 @@ void Camera_rows::linearise(const Sights& sights, const Pose& pose, Block& block
   }
 }
 
-void Camera_rows::depths(const Sights& sights, const Pose& pose, double* depths) {
+void Camera_rows::depths(const Sights& sights, const Pose& pose, double* depths) const {
   alignas(cache_line) double p[3 * Sights::most_points];
   point_kernels(best_instruction_set()).predict_bearings(sights.points, sights.num_points, placed(pose), p);
+  const double forward = camera_.lens ? camera_.lens->forward : 1.0;
   for (std::size_t i = 0; i < sights.num_points; ++i)
-    depths[i] = p[(i / group_size * 3 + 2) * group_size + i % group_size];
+    depths[i] = forward * p[(i / group_size * 3 + 2) * group_size + i % group_size];
+}
+
+void Camera_rows::facing(const Sights& sights, const Pose& pose, double* values) const {
+  if (camera_.lens && camera_.lens->is_angular) {
+    std::fill_n(values, sights.num_points, 1.0);
+  } else {
+    depths(sights, pose, values);
+  }
 }
 
 }  // namespace kelvane

@@ -36,8 +36,11 @@ std::string text(std::size_t number) { return std::to_string(number); }
                      " has the length " + text_of(length, 2) + ": a bearing needs a direction.");
 }
 
-[[noreturn, gnu::cold]] void refuse_number_of_points(std::size_t num_points, std::size_t num_used, std::size_t least) {
-  const char* which = num_points < least ? "" : " with a weight above 0 and an observation";
+[[noreturn, gnu::cold]] void refuse_number_of_points(std::size_t num_points, std::size_t num_used, std::size_t least,
+                                                     bool has_lens) {
+  const char* which = num_points < least ? ""
+                      : has_lens ? " with a weight above 0, an observation and an image in the lens at the start"
+                                 : " with a weight above 0 and an observation";
   if (least == 1) throw Bad_argument("tooFewPoints", "", std::string("There is no point") + which + ".");
   throw Bad_argument("tooFewPoints", "",
                      std::string("Three points") + which + " are the least that determine a pose; there " +
@@ -140,10 +143,10 @@ Observed_points::Observed_points(const Refine_problem& problem, const Pose& star
   if (has_covariances()) whitening_.reserve((n_ + room - 1) / room * d_ * Block::max_rows);
   for (std::size_t i = 0; i < n_; ++i) {
     check_point(i);
-    if (is_used(i)) add(i);
+    if (is_used(i) && has_image(i, start)) add(i);
   }
   num_equations_ = std::min(num_equations_, 2 * num_used_);
-  if (num_used_ < least) refuse_number_of_points(n_, num_used_, least);
+  if (num_used_ < least) refuse_number_of_points(n_, num_used_, least, problem.camera.lens.has_value());
   set_whitening();
   move_to_own_world(start);
 }
@@ -198,6 +201,19 @@ bool Observed_points::is_used(std::size_t i) const {
     has_weight = has_weight || weight(i, k) > 0.0;
   }
   return has_weight;
+}
+
+/// Of a lens: a point beyond where it folds back could only be seen where something else is.
+bool Observed_points::has_image(std::size_t i, const Pose& start) const {
+  if (!problem_.camera.lens) return true;
+  double p[3] = {};
+  for (int k = 0; k < 3; ++k) {
+    for (int j = 0; j < 3; ++j)
+      p[k] += start.rotation[j][k] * (points_[3 * i + static_cast<std::size_t>(j)] - start.centre[j]);
+  }
+  double pixel[2];
+  project(*problem_.camera.lens, p, pixel);
+  return std::isfinite(pixel[0]) && std::isfinite(pixel[1]);
 }
 
 void Observed_points::add(std::size_t i) {

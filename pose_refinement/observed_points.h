@@ -46,7 +46,8 @@ struct World {
   Pose to_users(Pose pose) const;
 };
 
-/// Points that are neither without observation nor without weight, with what was seen of them.
+/// Points that are neither without observation nor without weight, nor at the start beyond where a lens folds back,
+/// with what was seen of them.
 class Observed_points {
  public:
   /// start: the problem's, with a rotation. Throws Bad_argument.
@@ -71,6 +72,7 @@ class Observed_points {
   void check_sizes() const;
   void check_point(std::size_t i) const;
   bool is_used(std::size_t i) const;
+  bool has_image(std::size_t i, const Pose& start) const;
   double weight(std::size_t i, std::size_t k) const {
     return weights_ == nullptr ? 1.0 : weights_[per_equation_ ? d_ * i + k : i];
   }

@@ -104,7 +104,7 @@ double Pose_cost::part_behind(const Pose& pose) const {
   double all = 0.0;
   double depths[Sights::most_points];
   for (const Sights& sights : data_.sights()) {
-    Camera_rows::depths(sights, pose, depths);
+    rows_.facing(sights, pose, depths);
     for (std::size_t i = 0; i < sights.num_points; ++i) {
       double weight = 0.0;
       for (std::size_t k = 0; k < sights.d; ++k) weight += sights.weights[sights.row(i, k)];

@@ -3,6 +3,7 @@
 #include "pose_refinement/projection.h"
 
 #include <algorithm>
+#include <cmath>
 
 #include "pose_refinement/camera_rows.h"
 
@@ -18,6 +19,10 @@ void copy_row(Block& block, std::size_t row, const Pose& pose, double* jacobian,
     for (std::size_t k = 0; k < 3; ++k) by_shift += block.column(k)[row] * pose.rotation[c][k];
     jacobian[(3 + c) * stride] = by_shift;
   }
+}
+
+void fill_row(double value, double* jacobian, std::size_t stride) {
+  for (std::size_t c = 0; c < 6; ++c) jacobian[c * stride] = value;
 }
 
 void place(const double* points, std::size_t n, Sights& sights) {
@@ -41,12 +46,15 @@ void project(const Pose& pose, const Camera_model& camera, const double* points,
     place(points + 3 * first, std::min(most, n - first), sights);
     rows.linearise(sights, pose, block);
     double some[Sights::most_points];
-    Camera_rows::depths(sights, pose, some);
+    rows.depths(sights, pose, some);
     if (depths != nullptr) std::copy_n(some, sights.num_points, depths + first);
     for (std::size_t i = 0; i < d * sights.num_points; ++i) {
       const std::size_t row = sights.row(i / d, i % d);
       seen[d * first + i] = 0.0 - block.column(6)[row];
-      if (jacobian != nullptr) copy_row(block, row, pose, jacobian + d * first + i, d * n);
+      if (jacobian == nullptr) continue;
+      copy_row(block, row, pose, jacobian + d * first + i, d * n);
+      if (camera.lens && std::isnan(seen[d * first + i]))
+        fill_row(seen[d * first + i], jacobian + d * first + i, d * n);
     }
   }
 }

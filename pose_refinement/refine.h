@@ -125,7 +125,7 @@ struct Refine_result {  // NOLINT(bugprone-exception-escape): moving its vectors
   Rms after = {};          ///< of the pose
   /// Where the points are flat to within the noise and the target, tilted the other way, leads to another minimum.
   std::optional<Refine_alternative> alternative = {};
-  std::size_t num_left_out = 0;          ///< points without an observation or a weight
+  std::size_t num_left_out = 0;          ///< points without an observation, a weight or an image at the start
   std::size_t num_behind = 0;            ///< pixels' points with the camera's back to them
   std::size_t num_inliers = 0;           ///< see is_inlier
   std::vector<double> residuals;         ///< observed minus seen, in the order of the observations; NaN where left out

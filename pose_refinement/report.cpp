@@ -157,7 +157,7 @@ class Reporter {
 
   void set_residuals(const Sights& sights, const double* residuals) {
     double depths[Sights::most_points];
-    Camera_rows::depths(sights, found_, depths);
+    input_.rows.facing(sights, found_, depths);
     for (std::size_t i = 0; i < sights.num_points; ++i) {
       double* to = &result_.residuals[sights.d * sights.index[i]];
       for (std::size_t k = 0; k < sights.d; ++k) to[k] = residuals[sights.row(i, k)];

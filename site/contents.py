@@ -9,6 +9,7 @@ parts = {
         "refinement",
         "rotation_types",
         "conventions",
+        "cameras",
         "reports",
         "matlab",
         "cpp",

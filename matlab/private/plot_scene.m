@@ -37,8 +37,9 @@ function rays = rays_to_corners(info)
   if ~isempty(info.intrinsics)
     low = min(info.observations, [], 2);
     high = max(info.observations, [], 2);
-    pixels = [(low + high) / 2 + box(1:2, :) .* (high - low) / 2; ones(1, 4)];
-    rays = info.intrinsics \ pixels;
+    pixels = (low + high) / 2 + box(1:2, :) .* (high - low) / 2;
+    [rays, ~] = kelvane_undistort(pixels, info.intrinsics, 'directions');
+    rays = rays ./ max(abs(rays(3, :)), 0.2);  % at depth 1, but for what is seen beside the camera
   end
 end
 

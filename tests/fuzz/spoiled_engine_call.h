@@ -137,7 +137,7 @@ class Spoiled_engine_call {
 
   /// A name that means something somewhere, or bytes.
   static std::string text_from(Byte_source& bytes) {
-    static constexpr std::array<const char*, 15> names{"refine",
+    static constexpr std::array<const char*, 19> names{"refine",
                                                        "project",
                                                        "pose",
                                                        "matrix4x4",
@@ -151,7 +151,11 @@ class Spoiled_engine_call {
                                                        "huber",
                                                        "tukey",
                                                        "camera_from_world",
-                                                       "world_from_camera"};
+                                                       "world_from_camera",
+                                                       "FULL_OPENCV",
+                                                       "FOV",
+                                                       "fisheye",
+                                                       "pixels"};
     const std::size_t which = bytes.choice(names.size() + 1);
     if (which < names.size()) return names[which];
     std::string text(bytes.choice(max_size), ' ');

@@ -94,7 +94,13 @@
 %! assert(class(pose), 'rigidtform3d');
 %! assert({pose.R, pose.Translation}, {best.rotation, best.centre'}, 1e-9);
 %! object.RadialDistortion = [0 0.1];
-%! fail('kelvane_refine(scene.start, scene.points, scene.pixels, object)', 'Remove it from the observations');
+%! pixels = kelvane_distort(scene.pixels, object);
+%! [pose, info] = kelvane_refine(scene.start, scene.points, pixels, object);
+%! assert({pose.rotation, pose.centre}, {best.rotation, best.centre}, 1e-2);
+%! camera = kelvane_camera(scene.K, [0 0.1 0 0]);
+%! assert(isequal(kelvane_refine(scene.start, scene.points, pixels, camera), pose));
+%! assert(info.intrinsics.model, 'GENERAL_PERSPECTIVE');
+%! assert(info.residuals, pixels - kelvane_project(pose, scene.points, camera), 1e-9);
 
 %!test  % without the class there is a way out
 %! fail('kelvane_pose(eye(4), ''matrix4x4'', ''world_from_camera'', ''rigidtform3d'', ''world_from_camera'')', 'matrix4x4');

@@ -20,6 +20,7 @@
 
 %!function text = engine()  % what the m-files ask, and what checks for it
 %!  text = [sources('.', 'kelvane_engine.cpp'), sources('mex_engine', '*.cpp')];
+%!  text = [text, sources('cameras', '*.cpp')];
 %!  for name = {'camera_model', 'exit_message', 'observed_points', 'known_pose', 'free_motion', 'pose', 'refinement_state'}
 %!    text = [text, sources('pose_refinement', [name{1}, '.cpp'])];
 %!  end
@@ -28,7 +29,8 @@
 %!function texts = told_by_engine()  % the texts in its errors and in the words of an exit
 %!  errors = regexp([sources('mex_engine', '*.cpp'), sources('pose_refinement', 'observed_points.cpp'), ...
 %!                   sources('pose_refinement', 'known_pose.cpp'), sources('pose_refinement', 'free_motion.cpp'), ...
-%!                   sources('pose_refinement', 'pose.cpp')], '\<(refuse|Bad_argument)\((".*?)\);\n', 'tokens');
+%!                   sources('pose_refinement', 'pose.cpp'), sources('cameras', '*.cpp')], ...
+%!                  '\<(refuse|Bad_argument)\((".*?)\);\n', 'tokens');
 %!  errors = [errors{:}](2:2:end);
 %!  texts = regexp([strjoin(errors, "\n"), sources('pose_refinement', 'exit_message.cpp')], '"((?:[^"\\\n]|\\.)*)"', 'tokens');
 %!  texts = [texts{:}];

@@ -57,7 +57,7 @@ void bend(Refined_problem& problem) {
     problem.observations[i] = 1.1 * problem.observations[i] + 0.05 * problem.observations[i + 1];
     problem.observations[i + 1] *= 0.9;
   }
-  const auto [sees, fx, skew, cx, fy, cy] = problem.camera;
+  const auto [sees, fx, skew, cx, fy, cy, lens] = problem.camera;
   problem.camera =
       kelvane::pixel_camera({{1.1 * fx, 0.05 * fy, 1.1 * cx + 0.05 * cy}, {0, 0.9 * fy, 0.9 * cy}, {0, 0, 1}});
 }

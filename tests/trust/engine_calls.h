@@ -147,9 +147,33 @@ inline Tested_call refine_call(std::size_t kind, std::size_t num_points = 5, dou
 }
 
 /// What the engine can be asked.
-enum class Question { refine, project, pose, pose_as_struct, descend };
-inline constexpr std::array<Question, 5> all_questions{Question::refine, Question::project, Question::pose,
-                                                       Question::pose_as_struct, Question::descend};
+enum class Question { refine, project, pose, pose_as_struct, descend, lens, camera, undistort, distort };
+inline constexpr std::array<Question, 9> all_questions{
+    Question::refine, Question::project, Question::pose,      Question::pose_as_struct, Question::descend,
+    Question::lens,   Question::camera,  Question::undistort, Question::distort};
+
+/// A camera with a lens, another one for each kind.
+inline mxArray good_camera(std::size_t kind) {
+  using mex_host::row;
+  using mex_host::text;
+  switch (kind) {
+    case 0:
+      return mex_host::structure(
+          {{"model", text("OPENCV")}, {"parameters", row({800, 650, 320, 240, -0.2, 0.05, 1e-3, -2e-3})}});
+    case 1:
+      return mex_host::structure(
+          {{"model", text("THIN_PRISM_FISHEYE")},
+           {"parameters", row({300, 310, 320, 240, 0.05, -0.01, 1e-3, 2e-3, 1e-3, 0, 1e-3, 0})}});
+    case 2:
+      return mex_host::structure({{"FocalLength", row({800, 650})},
+                                  {"PrincipalPoint", row({320, 240})},
+                                  {"Skew", mex_host::scalar(12)},
+                                  {"RadialDistortion", row({-0.2, 0.05, 0.01})},
+                                  {"TangentialDistortion", row({1e-3, 2e-3})}});
+    default:
+      return mex_host::structure({{"model", text("BAL")}, {"parameters", row({800, -0.1, 0.01})}});
+  }
+}
 
 inline Tested_call good_call(Question question, std::size_t kind, std::size_t num_points) {
   using mex_host::text;
@@ -170,6 +194,24 @@ inline Tested_call good_call(Question question, std::size_t kind, std::size_t nu
     case Question::pose:
       return {"pose, " + name,
               {text("pose"), problem.start, form, frame, text("quaternion_wxyz"), text("camera_from_world")}};
+    case Question::lens:
+      return {"through a lens, " + name,
+              {text("project"), problem.start, problem.points, good_camera(kind),
+               mex_host::structure({{"PoseForm", form}, {"PoseFrame", frame}})},
+              3};
+    case Question::camera:
+      if (kind % 2 == 1) return {"camera as, " + name, {text("camera_as"), good_camera(0), text("opencv")}, 3};
+      return {"camera, " + name,
+              {text("camera"), mex_host::row({800, 320, 240}), mex_host::row({-0.2, 0.05, 0, 0}), text("fisheye"),
+               mex_host::row({640, 480})},
+              2};
+    case Question::undistort:
+      return {"undistort, " + name,
+              {text("undistort"), mex_host::real_matrix(2, 3, {320, 240, 100, 50, 600, 400}), good_camera(kind),
+               text(kind == 0 ? "pixels" : "directions")},
+              2};
+    case Question::distort:
+      return {"distort, " + name, {text("distort"), problem.points, good_camera(kind)}, 2};
     default:
       return {"pose as a struct, " + name, {text("pose"), problem.start, form, frame}};
   }

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Sentences in the words of C++.
-#include "pose_refinement/bad_argument.h"
+#include "cameras/bad_argument.h"
 
 #include <cmath>
 #include <cstdio>
