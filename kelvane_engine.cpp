@@ -10,6 +10,7 @@
 
 #include "mex_engine/answer.h"
 #include "mex_engine/sentence.h"
+#include "model_files/model_file.h"
 
 // The host's header leaves the entry hidden where everything is compiled hidden.
 extern "C" __attribute__((visibility("default"))) void mexFunction(int nlhs, mxArray* plhs[], int nrhs,
@@ -36,6 +37,9 @@ void answer_or_fail(int num_outputs, int num_inputs, const mxArray* const* input
       call->answer = mex_engine::answer_to(num_outputs, num_inputs, inputs);
     } catch (const kelvane::Bad_argument& error) {
       call->identifier = std::string("kelvane:") + error.identifier();
+      call->message = error.what();
+    } catch (const kelvane::File_error& error) {
+      call->identifier = "kelvane:file";
       call->message = error.what();
     } catch (const std::bad_alloc&) {
       call.reset();

@@ -3,6 +3,7 @@
 // 2012 and libstdc++ that of GCC 5. MATLAB brings a libstdc++ of its own, which can be years older than the compiler.
 // Nobody outside the module sees these.
 #include <pthread.h>
+#include <sys/stat.h>
 
 #include <cerrno>
 #include <cmath>
@@ -54,6 +55,17 @@ double exp(double x) noexcept { return first_exp(x); }
 double log(double x) noexcept { return first_log(x); }
 double hypot(double x, double y) noexcept { return first_hypot(x, y); }
 }
+
+#if __GLIBC_PREREQ(2, 33)
+
+// Before, the C library had this under another name, with the version of the struct in front.
+asm(".symver first_fstat, __fxstat@GLIBC_2.2.5");
+extern "C" {
+int first_fstat(int version, int file, struct stat* status) noexcept;
+int fstat(int file, struct stat* status) noexcept { return first_fstat(1, file, status); }
+}
+
+#endif
 
 #if __GLIBC_PREREQ(2, 34)
 

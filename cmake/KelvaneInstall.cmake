@@ -14,6 +14,10 @@ set(engine_headers
   cameras/lens.h
   contract/argument_contract.h
   contract/refinement.h
+  model_files/bal_model.h
+  model_files/colmap_model.h
+  model_files/model_file.h
+  model_files/write_poses.h
   pose_refinement/camera_model.h
   pose_refinement/pose.h
   pose_refinement/refine.h

@@ -1,36 +1,38 @@
-% COLMAP_DEMO  Refine all poses of a COLMAP model, on all processors.
+% COLMAP_DEMO  Refine all poses of a COLMAP model, on all processors, and write it back.
 %
 %   colmap_demo(folder)
 %   colmap_demo(folder, model)
+%   colmap_demo(folder, model, refined)
 %
-%   Reads the model in the folder model, moves every pose by 2 degrees and 3 % of its distance to the points, refines all
-%   of them with Huber's loss, and prints a table. Without a model a small one of our own making is used: 12 photographs of
-%   a house, in folder for as long as it is needed. Saves colmap.png in folder, which must exist: the model with its cameras
-%   before and after. Needs kelvane_batch. No screen is needed.
+%   Reads the model in the folder model, text or binary, moves every pose by 2 degrees and 3 % of its distance to the points,
+%   refines all of them with Huber's loss on threads, and prints a table. Writes the model with its new poses into the folder
+%   refined, and reads it again. Without a model a small one of our own making is used: 12 photographs of a house. What has
+%   no folder of its own is in folder for as long as it is needed. Saves colmap.png in folder, which must exist: the RMS of
+%   each image before and after, and the model with its cameras. Needs kelvane_batch. No screen is needed.
 %
 %   Example
 %     colmap_demo('.');
 %
-%   See also kelvane_demo, kelvane_read_colmap, kelvane_batch.
+%   See also kelvane_demo, kelvane_read_colmap, kelvane_batch, kelvane_write_colmap.
 
 % SPDX-License-Identifier: BSD-3-Clause
 % A whole model from file to picture.
-function colmap_demo(folder, model)
+function colmap_demo(folder, model, refined)
   quiet = picture_toolkit(); %#ok<NASGU>
   if nargin < 2 || isempty(model)
-    model = tempname(folder);
-    [made, message] = mkdir(model);
-    if ~made || ~isempty(message)
-      error('kelvane:demo', 'The folder %s cannot be made: %s.', model, message);
-    end
-    removing = onCleanup(@() remove_model(model)); %#ok<NASGU>
+    [model, removing] = folder_for_model(folder); %#ok<ASGLU>
     write_house_model(model);
+  end
+  if nargin < 3
+    [refined, removing_too] = folder_for_model(folder); %#ok<ASGLU>
   end
   problems = disturbed(kelvane_read_colmap(model));
   timer = tic;
   results = kelvane_batch(problems, 'Loss', 'huber', 'Progress', 'line');
   fprintf('%d poses in %.2f s\n', numel(problems), toc(timer));
   print_results(problems, results);
+  kelvane_write_colmap(refined, model, results);
+  print_written(kelvane_read_colmap(refined), results);
   plot_model(problems, results, fullfile(folder, 'colmap.png'));
 end
 
@@ -63,6 +65,30 @@ function print_results(problems, results)
     fprintf('%-*s %7d %12.3f %12.3f %11d %11.4f %10.4f\n', width, results(k).name, size(problems(k).points, 2), ...
             info.rms_plain_before, info.rms_plain_after, info.iterations, turn, shift);
   end
+end
+
+% The RMS that the written poses have when they are read again.
+function print_written(problems, results)
+  good = find(cellfun(@isempty, {results.error}));
+  again = zeros(size(good));
+  for i = 1:numel(good)
+    problem = problems(good(i));
+    seen = kelvane_project(problem.start, problem.points, problem.intrinsics);
+    again(i) = sqrt(mean(sum((seen - problem.observations).^2, 1)));
+  end
+  infos = [results(good).info];
+  fprintf('written and read again: %d poses, RMS of each as refined to %.0e pixels\n', numel(good), ...
+          max([eps, abs(again - [infos.rms_plain_after])]));
+end
+
+% One that is there as long as the second output.
+function [model, removing] = folder_for_model(folder)
+  model = tempname(folder);
+  [made, message] = mkdir(model);
+  if ~made || ~isempty(message)
+    error('kelvane:demo', 'The folder %s cannot be made: %s.', model, message);
+  end
+  removing = onCleanup(@() remove_model(model));
 end
 
 function remove_model(model)

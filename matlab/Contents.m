@@ -8,6 +8,9 @@
 % Files
 %   kelvane_read_colmap    - Read a COLMAP model as one refinement problem for each image.
 %   kelvane_read_bal       - Read a file of Bundle Adjustment in the Large as one refinement problem for each camera.
+%   kelvane_write_colmap   - Write a COLMAP model with refined poses.
+%   kelvane_write_bal      - Write a file of Bundle Adjustment in the Large with refined poses.
+%   kelvane_write_csv      - Write the results of a batch as a table.
 %
 % Pictures and demos
 %   kelvane_plot           - Draw a refinement: residuals before and after, RMS by iteration, and the camera in the scene.

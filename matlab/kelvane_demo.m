@@ -20,7 +20,7 @@
 %     types       the seven rotation types for pixels racing on one view
 %     outliers    a fifth of the corners in wrong places, with and without a robust loss
 %     bearings    a wide-angle camera, some directions more than 90 degrees off its axis
-%     colmap      a whole COLMAP model, read from its files and refined on all processors
+%     colmap      a whole COLMAP model, read, refined on all processors and written back
 %     convergence the seven rotation types for pixels on six photographs of a chessboard
 %     conventions the frames, the image and directions, drawn from one pose
 %
@@ -61,7 +61,7 @@ function demos = all_demos()
           'types', 'the seven rotation types for pixels racing on one view', {'chessboard_all_types.png'}
           'outliers', 'a fifth of the corners in wrong places, with and without a robust loss', {'outliers.png'}
           'bearings', 'a wide-angle camera, some directions more than 90 degrees off its axis', {'bearings.png'}
-          'colmap', 'a whole COLMAP model, read from its files and refined on all processors', {'colmap.png'}
+          'colmap', 'a whole COLMAP model, read, refined on all processors and written back', {'colmap.png'}
           'convergence', 'the seven rotation types for pixels on six photographs of a chessboard', {'convergence_of_types.png'}
           'conventions', 'the frames, the image and directions, drawn from one pose', ...
           {'conventions_bearings.png', 'conventions_frames.png', 'conventions_pixels.png'}};

@@ -4,7 +4,7 @@
 %
 %   file is a text file of that collection, after bunzip2. Its cameras look along -z with y up; here they look along z with y
 %   down, so poses are turned and pixels mirrored on the way in. The radial distortion is removed from the observations. A
-%   broken file is an error that names the line.
+%   broken file is an error that names the line and column.
 %
 %   problems is a 1 x n struct array, in the order of the file, as kelvane_batch takes it, with the fields
 %     name          'camera 0' for the first
@@ -30,7 +30,7 @@
 %   Output:
 %     seen at (-30, -40), predicted (-30, -40)
 %
-%   See also kelvane_batch, kelvane_read_colmap, kelvane_refine, kelvane_pose.
+%   See also kelvane_write_bal, kelvane_batch, kelvane_read_colmap, kelvane_refine, kelvane_pose.
 
 % SPDX-License-Identifier: BSD-3-Clause
 % Reader of the problems of Agarwal, Snavely, Seitz, Szeliski 2010.
@@ -38,18 +38,7 @@ function problems = kelvane_read_bal(file)
   if nargin < 1
     error('kelvane:inputs', 'kelvane_read_bal needs the name of a file.');
   end
-  [seen, cameras, points] = read_bal_blocks(checked_text(file, 'file'));
-  flip = diag([1, -1, -1]);
-  problems = struct('name', {}, 'id', {}, 'start', {}, 'points', {}, 'observations', {}, 'intrinsics', {}, ...
-                    'image_size', {}, 'point_ids', {});
-  for k = size(cameras, 2):-1:1
-    c = cameras(:, k);
-    T = kelvane_pose(c(1:6), 'rotation_vector', 'camera_from_world', 'matrix3x4', 'camera_from_world');
-    pose = kelvane_pose(flip * T, 'matrix3x4', 'camera_from_world');  % rows 2 and 3 negated: z forward, y down
-    own = seen(:, seen(1, :) == k - 1);
-    problems(k) = view_problem(sprintf('camera %d', k - 1), k - 1, pose, points(:, own(2, :) + 1), [1; -1] .* own(3:4, :), ...
-                               diag([c(7), c(7), 1]), c(8:9)', [], own(2, :));
-  end
+  problems = view_problems(call_engine('read_bal', file_name(file, 'file')), 'matrix3x4');
 end
 
 %!error <needs the name of a file> kelvane_read_bal()

@@ -1,12 +1,19 @@
 % KELVANE_READ_COLMAP  Read a COLMAP model as one refinement problem for each image.
 %
 %   problems = kelvane_read_colmap(folder)
+%   problems = kelvane_read_colmap(folder, 'Images', images)
 %
-%   folder holds cameras.txt, images.txt and points3D.txt, which COLMAP writes with "model_converter --output_type TXT".
-%   The camera models SIMPLE_PINHOLE, PINHOLE, SIMPLE_RADIAL and RADIAL are read; their distortion is removed from the
-%   observations. Any other is an error, as is a broken line; it names the file and the line.
+%   folder holds cameras, images and points3D, as binary files (.bin) or texts (.txt); where it holds both, the binary ones
+%   are read, as COLMAP does. rigs and frames, which COLMAP writes from version 3.12 on, are read where they are: then the
+%   poses are those of the frames.
+%   images, the names (text or cell of texts) or numbers of some images, has these read alone; [] means all.
 %
-%   problems is a 1 x n struct array, in the order of images.txt, as kelvane_batch takes it, with the fields
+%   The distortion of the camera models SIMPLE_PINHOLE, PINHOLE, SIMPLE_RADIAL and RADIAL is removed from the observations.
+%   Images of any other model are left out, with a warning; where no image is left, that is an error. Anything broken is an
+%   error that names the file, line and column, or the byte of a binary file. A comment that counts other than what follows
+%   is a warning.
+%
+%   problems is a 1 x n struct array, in the order of the images in the file, as kelvane_batch takes it, with the fields
 %     name          file name of the image
 %     id            its IMAGE_ID
 %     start         its pose, the struct of kelvane_pose (COLMAP's camera_from_world is taken care of)
@@ -33,45 +40,20 @@
 %   Output:
 %     first.jpg: (320.00, 240.00) and (432.43, 240.00)
 %
-%   See also kelvane_batch, kelvane_read_bal, kelvane_refine, kelvane_pose.
+%   See also kelvane_write_colmap, kelvane_batch, kelvane_read_bal, kelvane_refine, kelvane_pose.
 
 % SPDX-License-Identifier: BSD-3-Clause
-% Reader of COLMAP's text models.
-function problems = kelvane_read_colmap(folder)
+% Reader of COLMAP's models.
+function problems = kelvane_read_colmap(folder, varargin)
   if nargin < 1
     error('kelvane:inputs', 'kelvane_read_colmap needs the folder of a COLMAP model.');
   end
-  folder = checked_text(folder, 'folder');
-  if ~exist(fullfile(folder, 'cameras.txt'), 'file') && exist(fullfile(folder, 'cameras.bin'), 'file')
-    in_shell = ['''', strrep(folder, '''', '''\'''''), ''''];
-    error('kelvane:file', ['%s holds a binary model. Turn it into text: colmap model_converter --input_path %s ' ...
-          '--output_path %s --output_type TXT'], folder, in_shell, in_shell);
+  options = parse_options('kelvane_read_colmap', struct('Images', []), varargin);
+  if ischar(options.Images) && ~isempty(options.Images)
+    options.Images = {options.Images};
   end
-  cameras = read_colmap_cameras(fullfile(folder, 'cameras.txt'));
-  file = fullfile(folder, 'images.txt');
-  images = read_colmap_images(file);
-  [ids, positions] = read_colmap_points(fullfile(folder, 'points3D.txt'));
-  problems = struct('name', {}, 'id', {}, 'start', {}, 'points', {}, 'observations', {}, 'intrinsics', {}, ...
-                    'image_size', {}, 'point_ids', {});
-  for k = numel(images):-1:1
-    problems(k) = problem_of_image(images(k), cameras, ids, positions, file);
-  end
-end
-
-function problem = problem_of_image(image, cameras, ids, positions, file)
-  camera = cameras([cameras.id] == image.camera);
-  if isempty(camera)
-    file_error(file, image.line, 'image %d has the camera %d, which is not in cameras.txt.', image.id, image.camera);
-  end
-  used = image.point_ids >= 0 & image.point_ids < 2^53;  % -1, or the largest 64-bit number: no point
-  wanted = image.point_ids(used);
-  [found, place] = ismember(wanted, ids);
-  if ~all(found)
-    file_error(file, image.line + 1, 'image %d has the point %d, which is not in points3D.txt.', image.id, ...
-               wanted(find(~found, 1)));
-  end
-  problem = view_problem(image.name, image.id, image.pose, positions(:, place), image.pixels(:, used), camera.K, ...
-                         camera.radial, camera.image_size, wanted);
+  views = call_engine('read_colmap', file_name(folder, 'folder'), options.Images);
+  problems = view_problems(views, 'colmap');
 end
 
 %!error <needs the folder> kelvane_read_colmap()

@@ -16,10 +16,19 @@ struct Question {
 };
 
 constexpr Question questions[] = {
-    {"refine", 5, 8, 1, refine_poses},        {"descend", 5, 8, 1, descend},
-    {"project", 3, 4, 3, project_points},     {"pose", 1, 5, 1, convert_pose},
-    {"camera", 1, 4, 2, describe_camera},     {"camera_as", 2, 2, 3, convert_camera},
-    {"undistort", 3, 3, 2, undistort_pixels}, {"distort", 2, 2, 2, distort_pixels},
+    {"refine", 5, 8, 1, refine_poses},
+    {"descend", 5, 8, 1, descend},
+    {"project", 3, 4, 3, project_points},
+    {"pose", 1, 5, 1, convert_pose},
+    {"camera", 1, 4, 2, describe_camera},
+    {"camera_as", 2, 2, 3, convert_camera},
+    {"undistort", 3, 3, 2, undistort_pixels},
+    {"distort", 2, 2, 2, distort_pixels},
+    {"read_colmap", 1, 2, 1, read_colmap_model},
+    {"read_bal", 1, 1, 1, read_bal_file},
+    {"write_colmap", 4, 4, 1, write_colmap_model},
+    {"write_bal", 4, 4, 1, write_bal_file},
+    {"write_file", 2, 2, 1, write_text_file},
 };
 
 const Question& question_of(const mxArray* name) {
@@ -27,9 +36,7 @@ const Question& question_of(const mxArray* name) {
   for (const Question& question : questions) {
     if (wanted == question.name) return question;
   }
-  refuse("inputs",
-         "There are 'refine', 'descend', 'project', 'pose', 'camera', 'camera_as', 'undistort' and 'distort', but no " +
-             quoted(wanted) + ".");
+  refuse("inputs", "There is no " + quoted(wanted) + " to ask for.");
 }
 
 }  // namespace

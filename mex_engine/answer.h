@@ -48,6 +48,12 @@ std::unique_ptr<Answer> describe_camera(const Inputs& inputs);
 std::unique_ptr<Answer> convert_camera(const Inputs& inputs);
 std::unique_ptr<Answer> undistort_pixels(const Inputs& inputs);
 std::unique_ptr<Answer> distort_pixels(const Inputs& inputs);
+// These throw File_error as well.
+std::unique_ptr<Answer> read_colmap_model(const Inputs& inputs);
+std::unique_ptr<Answer> read_bal_file(const Inputs& inputs);
+std::unique_ptr<Answer> write_colmap_model(const Inputs& inputs);
+std::unique_ptr<Answer> write_bal_file(const Inputs& inputs);
+std::unique_ptr<Answer> write_text_file(const Inputs& inputs);
 
 /// The answer to all inputs of a call. Throws as well where too many outputs are wanted.
 std::unique_ptr<Answer> answer_to(int num_outputs, int num_inputs, const mxArray* const* inputs);

@@ -1,6 +1,6 @@
 % SPDX-License-Identifier: BSD-3-Clause
-% Draws the points of all problems, the centres of their cameras before and after with the way that each looks, from above
-% and in perspective, and saves the picture.
+% Draws the RMS of each image before and after, and all points with the centres of the cameras before and after and the way
+% that each looks, and saves the picture.
 function plot_model(problems, results, file)
   good = cellfun(@isempty, {results.error});
   problems = problems(good);
@@ -12,7 +12,7 @@ function plot_model(problems, results, file)
   points = points(:, first);
   f = new_picture(5);
   target = axes('position', [0.08, 0.14, 0.42, 0.74]);
-  draw_rms(target, problems, results(good));
+  draw_rms(target, results(good));
   target = axes('position', [0.58, 0.08, 0.40, 0.82]);
   plot3(target, points(1, :), points(2, :), points(3, :), '.', 'color', [0.6, 0.6, 0.6], 'markersize', 3);
   hold(target, 'on');
@@ -26,22 +26,18 @@ function plot_model(problems, results, file)
   save_picture(f, file, [1500, 640]);
 end
 
-function draw_rms(target, problems, results)
+function draw_rms(target, results)
   n = numel(results);
-  before = arrayfun(@(k) median_length(problems(k), problems(k).start), 1:n);
-  after = arrayfun(@(k) median_length(problems(k), results(k).pose), 1:n);
+  infos = [results.info];
+  before = [infos.rms_plain_before];
+  after = [infos.rms_plain_after];
   semilogy(target, 1:n, before, 'o', 'color', [0.84, 0.37, 0]);
   hold(target, 'on');
   semilogy(target, 1:n, after, 'x', 'color', [0, 0.45, 0.70]);
   set(target, 'xlim', [0, n + 1], 'ylim', [min(after) / 3, max(before) * 3], 'ygrid', 'on', 'yminorgrid', 'off');
   xlabel(target, 'image');
-  ylabel(target, 'median residual (pixels)');
-  title(target, 'Each image before (o) and after (x)');
-end
-
-function value = median_length(problem, pose)
-  seen = kelvane_project(pose, problem.points, problem.intrinsics);
-  value = median(sqrt(sum((seen - problem.observations).^2, 1)));
+  ylabel(target, 'RMS (pixels)');
+  title(target, 'RMS of each image before (o) and after (x)');
 end
 
 % A line from each centre along the optical axis.

@@ -32,6 +32,8 @@ endfunction()
 
 kelvane_add_fuzz_target(mex_function mex_host)
 kelvane_add_fuzz_target(engine_function engine_host)
+kelvane_add_fuzz_target(colmap_model)
+kelvane_add_fuzz_target(bal_file)
 if(TARGET Opencv::imgproc)
   kelvane_add_fuzz_target(stream_readers kelvane_framework)
 endif()

@@ -75,6 +75,8 @@
 %!   assert(size(rows), [12, 6]);
 %!   assert(all(rows(:, 2) > 5 & rows(:, 3) < 0.8));
 %!   assert(all(rows(:, 5) < 0.15 & rows(:, 6) < 0.3));
+%!   told = regexp(text, 'read again: 12 poses, RMS of each as refined to (\S+) pixels', 'tokens', 'once');
+%!   assert(str2double(told{1}) < 1e-9);
 %! end
 
 %!test  % convergence: every pixel type but 3 ends at the least RMS of every view

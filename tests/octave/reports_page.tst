@@ -19,11 +19,15 @@
 %!endfunction
 
 %!function text = engine()  % what the m-files ask, and what checks for it
-%!  text = [sources('.', 'kelvane_engine.cpp'), sources('mex_engine', '*.cpp')];
+%!  text = [sources('.', 'kelvane_engine.cpp'), sources('mex_engine', '*.cpp'), files()];
 %!  text = [text, sources('cameras', '*.cpp')];
 %!  for name = {'camera_model', 'exit_message', 'observed_points', 'known_pose', 'free_motion', 'pose', 'refinement_state'}
 %!    text = [text, sources('pose_refinement', [name{1}, '.cpp'])];
 %!  end
+%!endfunction
+
+%!function text = files()  % readers and writers, all of whose texts with a blank in them are sentences
+%!  text = [sources('model_files', '*.cpp'), sources('model_files', '*.h')];
 %!endfunction
 
 %!function texts = told_by_engine()  % the texts in its errors and in the words of an exit
@@ -32,7 +36,7 @@
 %!                   sources('pose_refinement', 'pose.cpp'), sources('cameras', '*.cpp')], ...
 %!                  '\<(refuse|Bad_argument)\((".*?)\);\n', 'tokens');
 %!  errors = [errors{:}](2:2:end);
-%!  texts = regexp([strjoin(errors, "\n"), sources('pose_refinement', 'exit_message.cpp')], '"((?:[^"\\\n]|\\.)*)"', 'tokens');
+%!  texts = regexp([strjoin(errors, "\n"), sources('pose_refinement', 'exit_message.cpp'), files()], '"((?:[^"\\\n]|\\.)*)"', 'tokens');
 %!  texts = [texts{:}];
 %!endfunction
 

@@ -1,0 +1,53 @@
+% KELVANE_WRITE_BAL  Write a file of Bundle Adjustment in the Large with refined poses.
+%
+%   kelvane_write_bal(file, source, results)
+%
+%   The file source, from which kelvane_read_bal has read the problems, is written to file with the poses of results. All
+%   else is as it was, byte for byte, and so are the poses of cameras without a result. Either the whole file is written
+%   or, after an error, a full disk or an interruption, it is as it was.
+%
+%   Inputs:
+%     file     text, where to write; it may be source itself
+%     source   text, the file that was read
+%     results  struct array that kelvane_batch returned; names are those of the cameras, 'camera 0' for the first. Results
+%              with an error are left out.
+%
+%   Example:
+%     bal = tempname();
+%     file = fopen(bal, 'w');
+%     fprintf(file, '1 4 4\n');                                          % cameras, points, observations
+%     fprintf(file, '0 %d %g %g\n', [0:3; 0 100 0 100; 0 0 100 50]);     % camera 0 sees each point
+%     fprintf(file, '%g\n', [0 0 0.01, 0.1 0 0, 1000 0 0]);              % a pose that is not quite right
+%     fprintf(file, '%g %g %g\n', [0 1 0 1.1; 0 0 1 0.55; -10 -10 -10 -11]);
+%     fclose(file);
+%     results = kelvane_batch(kelvane_read_bal(bal), 'Progress', 'off');
+%     refined = tempname();
+%     kelvane_write_bal(refined, bal, results);
+%     problem = kelvane_read_bal(refined);
+%     fprintf('%.6f from the truth\n', norm(problem.start.centre));
+%   Output:
+%     0.000000 from the truth
+%
+%   See also kelvane_read_bal, kelvane_batch, kelvane_write_colmap, kelvane_write_csv.
+
+% SPDX-License-Identifier: BSD-3-Clause
+% Writer of the problems of Agarwal, Snavely, Seitz, Szeliski 2010.
+function kelvane_write_bal(file, source, results)
+  if nargin < 3
+    error('kelvane:inputs', 'kelvane_write_bal needs a file, the file that was read, and results.');
+  end
+  file = file_name(file, 'file');
+  source = file_name(source, 'source');
+  [poses, names] = poses_of_results(results);
+  numbers = regexp(names, '^camera (\d{1,9})$', 'tokens', 'once');
+  odd = find(cellfun('isempty', numbers), 1);
+  if ~isempty(odd)
+    error('kelvane:results', 'results(%d) is not of a camera that kelvane_read_bal has read: those are ''camera 0'' and so on.', odd);
+  end
+  call_engine('write_bal', file, source, str2double([numbers{:}]), poses);
+end
+
+%!error <needs a file, the file that was read> kelvane_write_bal('a', 'b')
+%!error <source must be a text; this is of class double> kelvane_write_bal('a', 3, struct('name', {}, 'info', {}))
+%!error <results must be the struct array> kelvane_write_bal('a', 'b', 7)
+%!error <results\(1\) is not of a camera> kelvane_write_bal('a', 'b', struct('name', 'a.jpg', 'info', struct('pose', kelvane_pose(eye(4)(1:3, :), 'matrix3x4', 'camera_from_world'))))

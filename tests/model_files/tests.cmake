@@ -1,0 +1,16 @@
+# SPDX-License-Identifier: BSD-3-Clause
+# Tests of the readers and writers of models.
+kelvane_add_test(model_files/decimal)
+kelvane_add_test(model_files/paths)
+kelvane_add_test(model_files/model_file)
+target_link_options(model_files_model_file_test PRIVATE LINKER:--wrap=read)
+kelvane_add_test(model_files/id_index)
+kelvane_add_test(model_files/radial_lens)
+kelvane_add_test(model_files/colmap_text)
+kelvane_add_test(model_files/colmap_binary)
+kelvane_add_test(model_files/colmap_frames)
+kelvane_add_test(model_files/bal)
+kelvane_add_test(model_files/written_poses)
+kelvane_add_test(model_files/atomic_file)
+kelvane_add_test(model_files/allocations mex_host ${CMAKE_DL_LIBS})
+target_sources(model_files_allocations_test PRIVATE trust/failing_memory.cpp)
