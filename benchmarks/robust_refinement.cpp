@@ -200,6 +200,43 @@ void race() {
   table.print(std::cout);
 }
 
+/// The same scene with a weight for each number, or a covariance of each observation.
+void covariances() {
+  constexpr int num_repetitions = 50;
+  Table table({"N", "weights, microseconds", "covariances", "covariances by weights"});
+  for (const int num_points : {20, 100, 1000, 10000, 100000}) {
+    const Scene scene = random_scene(num_points, 1);
+    std::vector<double> weights;
+    std::vector<double> matrices;
+    for (int i = 0; i < num_points; ++i) {
+      const double a = 1.0 + 0.5 * std::sin(i);
+      const double b = 1.0 + 0.5 * std::cos(i);
+      weights.insert(weights.end(), {1.0 / a, 1.0 / b});
+      matrices.insert(matrices.end(), {a, 0.3 * a * b, 0.3 * a * b, b});
+    }
+    kelvane::Refine_problem weighted = problem_of(scene);
+    weighted.weights = weights;
+    kelvane::Refine_problem with_covariances = problem_of(scene);
+    with_covariances.covariances = matrices;
+    kelvane::Refine_options options;
+    options.noise_sigma = 1.0;
+    const auto us = [&options](const kelvane::Refine_problem& problem) {
+      const auto call = [&] { refine(problem, options); };
+      return ns_per_call(calls_in_batch(call), call) / 1e3;
+    };
+    std::vector<double> times[2];
+    std::vector<double> ratios;
+    for (int i = 0; i < num_repetitions; ++i) {
+      times[0].push_back(us(weighted));
+      times[1].push_back(us(with_covariances));
+      ratios.push_back(times[1].back() / times[0].back());
+    }
+    table.add({std::to_string(num_points), number(median(times[0])), number(median(times[1])), number(median(ratios))});
+  }
+  std::cout << "\nCovariances of observations in place of weights, without a loss, one thread:\n\n";
+  table.print(std::cout);
+}
+
 void many() {
   constexpr int num_problems = 2000;
   constexpr int num_repetitions = 9;
@@ -222,5 +259,6 @@ void many() {
 int main() {
   std::cout << "## Robust refinement\n\n";
   race();
+  covariances();
   many();
 }

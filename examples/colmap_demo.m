@@ -92,9 +92,9 @@ function [model, removing] = folder_for_model(folder)
 end
 
 function remove_model(model)
-  names = {'cameras.txt', 'images.txt', 'points3D.txt'};
-  for k = 1:3
-    remove_file(fullfile(model, names{k}));
+  files = dir(model);
+  for k = find(~[files.isdir])
+    remove_file(fullfile(model, files(k).name));
   end
   rmdir(model);
 end

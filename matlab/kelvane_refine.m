@@ -23,7 +23,7 @@
 %     'PoseFrame'          'camera_from_world' or 'world_from_camera', needed where the form implies none
 %     'OutputForm'         form of pose, by default that of pose0
 %     'OutputFrame'        frame of pose, by default that of pose0, or the one that OutputForm implies
-%     'MaxIterations'      default 100
+%     'MaxIterations'      default 100; those at the other tilt of a flat target do not count
 %     'StepTolerance'      stop when a step turns by less than this, in radians, and shifts by less than this part of the
 %                          distance of the points (root mean square); default 1e-9
 %     'FunctionTolerance'  stop when the cost decreases by less than this part of it; default 0, never
@@ -37,6 +37,7 @@
 %     'Prior'              a Gaussian on the pose: struct with the fields pose, in the form of pose0 or as struct of
 %                          kelvane_pose, and covariance or information, its inverse, 6 x 6, of [w; dt] as info.covariance
 %                          from that pose on. A covariance must be positive definite, information may leave directions open.
+%                          Give NoiseSigma with it: without, an observation counts as uncertain by 1 pixel or 1 radian.
 %     'Fixed'              directions in which the pose is known and stays as in pose0: words, one or a cell of them, or a
 %                          6 x m matrix with a direction [w; dt] in each column, w a turn about axes of the world (rad) and dt
 %                          a shift (world unit). The pose is pose0, turned by expm of the cross matrix of w and shifted by
@@ -63,7 +64,7 @@
 %       rms_before, rms_after  square root of the cost of a point on average, of pose0 and pose, in pixels or radians; with a
 %                      loss both at loss_scale, with which history is told too. Display and OutputFcn tell it as it
 %                      is on the way, while the scale still comes down.
-%       rms_plain_before, rms_plain_after      the same without the loss
+%       rms_plain_before, rms_plain_after      the same without the loss, and without what a prior adds to the cost
 %       rms_inliers_before, rms_inliers_after  the same without the loss, of the inliers
 %       iterations     steps made
 %       residuals      2 x N or 3 x N, observed minus predicted (directions at unit length), without weights; NaN where a

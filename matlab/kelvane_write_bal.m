@@ -39,15 +39,37 @@ function kelvane_write_bal(file, source, results)
   file = file_name(file, 'file');
   source = file_name(source, 'source');
   [poses, names] = poses_of_results(results);
-  numbers = regexp(names, '^camera (\d{1,9})$', 'tokens', 'once');
-  odd = find(cellfun('isempty', numbers), 1);
+  numbers = cellfun(@number_of_camera, names);
+  odd = find(isnan(numbers), 1);
   if ~isempty(odd)
     error('kelvane:results', 'results(%d) is not of a camera that kelvane_read_bal has read: those are ''camera 0'' and so on.', odd);
   end
-  call_engine('write_bal', file, source, str2double([numbers{:}]), poses);
+  call_engine('write_bal', file, source, numbers, poses);
+end
+
+% NaN where it is none. A name may be of any bytes.
+function number = number_of_camera(name)
+  number = NaN;
+  begin = 'camera ';
+  digits = name(numel(begin) + 1:end);
+  if strncmp(name, begin, numel(begin)) && any(numel(digits) == 1:9) && all(digits >= '0' & digits <= '9')
+    number = str2double(digits);
+  end
 end
 
 %!error <needs a file, the file that was read> kelvane_write_bal('a', 'b')
 %!error <source must be a text; this is of class double> kelvane_write_bal('a', 3, struct('name', {}, 'info', {}))
 %!error <results must be the struct array> kelvane_write_bal('a', 'b', 7)
+%!test  % without a good result the poses stay
+%! source = tempname();
+%! file = fopen(source, 'w');
+%! fprintf(file, '1 1 1\n0 0 1 2\n0 0 0 0 0 0 500 0 0\n1 2 -3\n');
+%! fclose(file);
+%! target = tempname();
+%! kelvane_write_bal(target, source, kelvane_batch(kelvane_read_bal(source), 'Progress', 'off'));
+%! assert(fileread(target), fileread(source));
+%! delete(source);
+%! delete(target);
+
+%!error <results\(1\) is not of a camera> kelvane_write_bal('a', 'b', struct('name', ['camera 1', 228], 'info', struct('pose', kelvane_pose(eye(4)(1:3, :), 'matrix3x4', 'camera_from_world'))))
 %!error <results\(1\) is not of a camera> kelvane_write_bal('a', 'b', struct('name', 'a.jpg', 'info', struct('pose', kelvane_pose(eye(4)(1:3, :), 'matrix3x4', 'camera_from_world'))))

@@ -5,7 +5,8 @@
 %   The model in the folder model, from which kelvane_read_colmap has read the problems, is written into folder with the
 %   poses of results, in its form: binary or text. All that is no pose is as it was, byte for byte, and so are the poses of
 %   images without a result. folder is made where it is not there; it may be model itself, whose poses are then replaced.
-%   Either all files are written or, after an error, a full disk or an interruption, none.
+%   All files are written beside the old ones first, and put in their place when all are whole: an error or a full disk
+%   until then leaves all as they were, and each file is always whole.
 %
 %   Inputs:
 %     folder   text, where to write

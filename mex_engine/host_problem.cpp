@@ -10,6 +10,9 @@ namespace {
 
 Numbers numbers_of(const Columns& columns) { return {columns.numbers.data(), columns.numbers.size()}; }
 
+/// Whether two points may do.
+bool has_known(const Given_options& options) { return options.prior != nullptr || options.fixed != nullptr; }
+
 Camera_model camera_for(const mxArray* intrinsics, std::size_t d) {
   const Camera_model camera = read_camera(intrinsics);
   if (camera.sees_directions != (d == 3)) {
@@ -24,7 +27,7 @@ Camera_model camera_for(const mxArray* intrinsics, std::size_t d) {
 Host_problem::Host_problem(const Given_inputs& inputs, const Given_options& options)
     : options_(options),
       start_(read_raw_pose(inputs.start, options.pose_form, options.pose_frame)),
-      observations_(read_observations(inputs.observations)),
+      observations_(read_observations(inputs.observations, has_known(options) ? inputs.points : nullptr)),
       points_(read_points(inputs.points, observations_)) {
   const Camera_model camera = camera_for(inputs.intrinsics, observations_.numbers.rows());
   problem_ = {start_.pose, numbers_of(points_), numbers_of(observations_), camera};

@@ -22,10 +22,13 @@ bool is(const Host_numbers& numbers, std::size_t rows, std::size_t columns) {
 
 }  // namespace
 
-Columns read_observations(const mxArray* array) {
+Columns read_observations(const mxArray* array, const mxArray* points) {
   Columns given{Host_numbers(array, "observations")};
   const std::size_t rows = given.numbers.rows();
   const std::size_t columns = given.numbers.columns();
+  if (rows == 2 && columns == 2 && points != nullptr && mxGetM(points) != mxGetN(points)) {
+    return mxGetM(points) == 3 ? std::move(given) : turned(std::move(given));
+  }
   if (rows == 2 && columns == 2) {
     refuse(
         "ambiguous",

@@ -14,7 +14,8 @@ struct Columns {
 };
 
 /// 2 x N or N x 2 pixels, 3 x N or N x 3 directions; 3 x 3 are columns. Throws Bad_argument.
-Columns read_observations(const mxArray* array);
+/// 2 x 2 lie as the points do, if any are given, 3 x 2 or 2 x 3.
+Columns read_observations(const mxArray* array, const mxArray* points);
 /// 3 x N or N x 3 points for observations that lie in columns or in rows, as 3 x 3 points do then.
 Columns read_points(const mxArray* array, const Columns& observations);
 /// The same of any number; 3 x 3 are columns.

@@ -92,8 +92,9 @@ void add_noise_of_prior(const Refine_input& input, const Pose& pose, double fact
 double noise_sigma_of(const Refine_input& input, Loss loss, double sum_of_pulls, std::vector<double>& lengths) {
   if (input.noise_sigma > 0.0) return input.noise_sigma;
   const double freedom = freedom_of(input);
-  return loss == Loss::none ? std::sqrt(sum_of_pulls / freedom)
-                            : noise_of_lengths(lengths) * std::sqrt(1.0 + 6.0 / freedom);
+  return loss == Loss::none
+             ? std::sqrt(sum_of_pulls / freedom)
+             : noise_of_lengths(lengths) * std::sqrt(1.0 + static_cast<double>(input.motion.num_free()) / freedom);
 }
 
 bool set_covariance(const Refine_input& input, const Robust_loss& loss, const Point_sums& sums,
@@ -103,7 +104,7 @@ bool set_covariance(const Refine_input& input, const Robust_loss& loss, const Po
   const Factors factors = is_known ? expected_factors(loss, result.noise_sigma)
                                    : Factors{sums.weight_and_slope / static_cast<double>(input.data.num_used()),
                                              sums.pull / freedom_of(input)};
-  const std::size_t least_points = num_needed_points(input.problem);
+  const std::size_t least_points = input.prior.is_given() ? 0 : num_needed_points(input.problem);
   const Pose pose = input.data.world().from_users(result.pose);
   Matrix inverse;
   Descent_system system(input);

@@ -17,6 +17,7 @@ void Descent_system::linearise(const Pose& pose, const Robust_loss& loss, const 
     Sights marked;
     if (marks != nullptr) {
       marked = all;
+      marked.has_ones = false;
       for (std::size_t i = 0; i < all.num_points; ++i) {
         if ((*marks)[all.index[i]] != 0) continue;
         for (std::size_t k = 0; k < all.d; ++k) marked.weights[all.row(i, k)] = 0.0;
@@ -121,9 +122,9 @@ void Descent_system::weigh(const Sights& sights, const Robust_loss& loss) {
   double lengths[Sights::most_points];
   alignas(cache_line) double roots[Block::max_rows];
   lengths_of_whitened(sights, kernels, r, lengths);
-  kernels.add_slopes(loss, sights.weights, lengths, sights.d, sights.num_groups(), block_.column(0), block_.stride(),
+  kernels.add_slopes(loss, sights.factors(), lengths, sights.d, sights.num_groups(), block_.column(0), block_.stride(),
                      slope_sums_);
-  kernels.weigh(loss, sights.weights, lengths, sights.d, sights.num_groups(), r, roots);
+  kernels.weigh(loss, sights.factors(), lengths, sights.d, sights.num_groups(), r, roots);
   for (std::size_t c = 0; c < 6; ++c) kernels.scale(roots, sights.num_rows(), block_.column(c));
 }
 

@@ -97,7 +97,31 @@ void Free_motion::set_parameters(const Pose& pose, double* y) const {
     x[i] = start_.rotation[i][0] * w[0] + start_.rotation[i][1] * w[1] + start_.rotation[i][2] * w[2];
     x[3 + i] = pose.centre[i] - start_.centre[i];
   }
+  take_nearest_turn(x);
   for (std::size_t j = 0; j < num_free_; ++j) y[j] = product(S_[j], x);
+}
+
+/// A turn is also one by 2 pi less or more: the one that leaves the least across the directions that are free. Where
+/// that makes no difference it stays within half a turn.
+void Free_motion::take_nearest_turn(double* x) const {
+  const double angle = std::sqrt(x[0] * x[0] + x[1] * x[1] + x[2] * x[2]);
+  if (angle == 0.0) return;
+  const auto rest_at = [&](double factor) {
+    double rest[6] = {factor * x[0], factor * x[1], factor * x[2], x[3], x[4], x[5]};
+    remove_parts(S_, num_free_, rest);
+    return length_of_motion(rest);
+  };
+  const double usual = rest_at(1.0);
+  double best = 1.0;
+  double least = usual - 1e-9 * (angle + usual);
+  for (const double turns : {-1.0, 1.0}) {
+    const double factor = 1.0 + turns * 2.0 * rotations::pi / angle;
+    const double rest = rest_at(factor);
+    if (!(rest < least)) continue;
+    least = rest;
+    best = factor;
+  }
+  for (int i = 0; i < 3; ++i) x[i] *= best;
 }
 
 /// x = S y

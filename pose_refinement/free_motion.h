@@ -32,6 +32,7 @@ class Free_motion {
 
  private:
   void set_parameters(const Pose& pose, double* y) const;
+  void take_nearest_turn(double* x) const;
   void set_motion(const double* y, double* x) const;
   Pose pose_at(const double* y) const;
   void add_across(double (&taken)[6][6], std::size_t num_taken);

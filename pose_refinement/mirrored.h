@@ -2,6 +2,8 @@
 // Other poses from which a flat target looks the same, or nearly so.
 #pragma once
 
+#include <vector>
+
 #include "pose_refinement/refine_input.h"
 
 namespace kelvane {
@@ -12,10 +14,11 @@ Pose mirrored(const Pose& pose, const Observed_points& data);
 
 /// The pose from which the target is seen tilted the other way about the line of sight to its middle. From afar a flat
 /// target has the same pixels there (docs/derivations.md, Eq. 59).
-Pose tilted(const Pose& pose, const Observed_points& data);
+/// `pulls` are what a loss leaves of the points' weights, or empty.
+Pose tilted(const Pose& pose, const Observed_points& data, const std::vector<double>& pulls);
 
 /// Whether points that stand out of a plane stand out by no more than this as the camera of a pose sees it: root mean
 /// square of what projecting them onto the plane changes in their residuals, with weights. NaN for a limit is none.
-bool is_seen_flat(const Pose& pose, const Refine_input& input, double most);
+bool is_seen_flat(const Pose& pose, const Refine_input& input, const std::vector<double>& pulls, double most);
 
 }  // namespace kelvane

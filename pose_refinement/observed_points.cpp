@@ -6,9 +6,8 @@
 #include <cmath>
 #include <string>
 
-#include "least_squares/small_system.h"
 #include "pose_refinement/bad_argument.h"
-#include "pose_refinement/symmetric_root.h"
+#include "pose_refinement/observation_root.h"
 
 namespace kelvane {
 namespace {
@@ -54,55 +53,12 @@ std::string text(std::size_t number) { return std::to_string(number); }
                      is_symmetric ? " is not positive definite." : " is not symmetric.");
 }
 
-/// W with W'W = C^-1, lower triangular: without loops where squares stay in range.
-Root root_of_pixel(const double* C, double* W) {
-  constexpr double single = 1e-12;  // rounding of single precision, squared
-  constexpr double least_pivot = 1e-10;
-  const double a = C[0];
-  const double b = 0.5 * (C[1] + C[2]);
-  const double c = C[3];
-  const double size = a * c;
-  const double part = b / a;
-  const double pivot = c - part * b;
-  const bool is_plain = a > 0.0 && pivot > least_pivot * c && is_safe_square(size) && is_safe_square(a) &&
-                        (C[1] - C[2]) * (C[1] - C[2]) <= single * size;
-  if (!is_plain) return Symmetric_root<2>::of_covariance(C, W);
-  const double root = 1.0 / std::sqrt(pivot);
-  W[0] = 1.0 / std::sqrt(a);
-  W[1] = 0.0;
-  W[2] = -part * root;
-  W[3] = root;
-  return Root::found;
-}
-
-/// W with W'W the inverse of the part of C across a unit vector n. Along n, where directions that point away have no
-/// part across, the mean of both others counts, so that the same noise all round is the plain sum of squares
-/// (docs/derivations.md, Eq. 58).
-Root root_across(const double* C, const double* n, double* W) {
-  const int least = std::abs(n[0]) < std::abs(n[1]) ? (std::abs(n[0]) < std::abs(n[2]) ? 0 : 2)
-                                                    : (std::abs(n[1]) < std::abs(n[2]) ? 1 : 2);
-  double B[2][3] = {};  // rows across n and each other
-  for (int k = 0; k < 3; ++k) B[0][k] = (k == least ? 1.0 : 0.0) - n[least] * n[k];
-  const double length = std::sqrt(B[0][0] * B[0][0] + B[0][1] * B[0][1] + B[0][2] * B[0][2]);
-  for (double& entry : B[0]) entry /= length;
-  for (int k = 0; k < 3; ++k) B[1][k] = n[(k + 1) % 3] * B[0][(k + 2) % 3] - n[(k + 2) % 3] * B[0][(k + 1) % 3];
-  double across[4] = {};
-  for (int i = 0; i < 4; ++i) {
-    for (int k = 0; k < 9; ++k) across[i] += B[i / 2][k / 3] * C[k] * B[i % 2][k % 3];
-  }
-  double U[4];
-  const Root found = Symmetric_root<2>::of_covariance(across, U);
-  if (found != Root::found) return found;
-  const double along = std::sqrt((U[0] * U[0] + U[1] * U[1] + U[2] * U[2] + U[3] * U[3]) / 2.0);
-  for (int k = 0; k < 3; ++k) {
-    W[k] = U[0] * B[0][k] + U[1] * B[1][k];
-    W[3 + k] = U[2] * B[0][k] + U[3] * B[1][k];
-    W[6 + k] = along * n[k];
-  }
-  return found;
-}
-
 }  // namespace
+
+const double* Sights::factors() const {
+  static const std::vector<double> ones(Block::max_rows, 1.0);
+  return has_ones ? ones.data() : weights;
+}
 
 std::size_t num_needed_points(const Refine_problem& problem) {
   return problem.prior.covariance.size + problem.prior.information.size + problem.fixed.size > 0 ? 1 : 3;
@@ -140,7 +96,7 @@ Observed_points::Observed_points(const Refine_problem& problem, const Pose& star
   const std::size_t room = Block::max_rows / d_;
   const std::size_t least = num_needed_points(problem);
   sights_.reserve((n_ + room - 1) / room);
-  if (has_covariances()) whitening_.reserve((n_ + room - 1) / room * d_ * Block::max_rows);
+  if (has_covariances()) whitening_.reserve((n_ + room - 1) / room * num_whitening());
   for (std::size_t i = 0; i < n_; ++i) {
     check_point(i);
     if (is_used(i) && has_image(i, start)) add(i);
@@ -168,8 +124,7 @@ void Observed_points::check_sizes() const {
                                    " (one for each); there are " + text(p.covariances.size) + ".");
   }
   if (p.covariances.size != 0 && p.weights.size != 0) {
-    throw Bad_argument("weights", "covariances",
-                       " and weights: one takes the place of the other, and only one can be given.");
+    throw Bad_argument("weights", "covariances", " takes the place of weights: only one of both can be given.");
   }
 }
 
@@ -236,21 +191,25 @@ void Observed_points::add(std::size_t i) {
 }
 
 void Observed_points::add_whitening(std::size_t i, const Sights& sights) {
-  const std::size_t of_sights = d_ * Block::max_rows;
   const std::size_t at = sights.num_points - 1;
-  if (at == 0) whitening_.resize(sights_.size() * of_sights);
+  if (at == 0) whitening_.resize(sights_.size() * num_whitening());
   double W[9];
   double direction[3] = {};
   for (std::size_t k = 0; k < d_; ++k) direction[k % 3] = sights.observed[sights.row(at, k)];
-  const Root found = d_ == 2 ? root_of_pixel(covariance(i), W) : root_across(covariance(i), direction, W);
+  const Root found = d_ == 2 ? root_of_pixel(covariance(i), W) : root_of_direction(covariance(i), direction, W);
   if (found != Root::found) refuse_covariance(i, has_one_covariance_, found);
-  double* const to = &whitening_[(sights_.size() - 1) * of_sights];
-  for (std::size_t k = 0; k < d_ * d_; ++k) to[(at / group_size * d_ * d_ + k) * group_size + at % group_size] = W[k];
+  if (d_ == 2) std::rotate(W + 1, W + 2, W + 4);  // its lower triangle
+  const std::size_t count = Sights::num_of_whitening(d_);
+  double* const to = &whitening_[(sights_.size() - 1) * num_whitening()];
+  for (std::size_t k = 0; k < count; ++k) to[(at / group_size * count + k) * group_size + at % group_size] = W[k];
 }
 
 void Observed_points::set_whitening() {
   if (!has_covariances()) return;
-  for (std::size_t k = 0; k < sights_.size(); ++k) sights_[k].whitening = &whitening_[k * d_ * Block::max_rows];
+  for (std::size_t k = 0; k < sights_.size(); ++k) {
+    sights_[k].whitening = &whitening_[k * num_whitening()];
+    sights_[k].has_ones = true;
+  }
 }
 
 void Observed_points::restore_points(Sights& sights) const {

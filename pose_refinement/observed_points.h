@@ -22,7 +22,15 @@ struct Sights {
   double points[3 * most_points];
   double observed[Block::max_rows];  ///< directions at unit length
   double weights[Block::max_rows];
-  const double* whitening = nullptr;  ///< of each point a d by d matrix, its entries eight points at a time, or none
+  /// Of each point a d by d matrix, or the three entries of a lower triangle of two rows, eight points at a time; or
+  /// none.
+  const double* whitening = nullptr;
+  bool has_ones = false;  ///< all weights are 1, but for the filling, whose whitening is zero
+
+  /// The weights of residuals that are multiplied by the whitening, if there is one; ones are read from one place, as
+  /// many points do not stay in the cache.
+  const double* factors() const;
+  static std::size_t num_of_whitening(std::size_t d) { return d == 2 ? 3 : d * d; }
 
   std::size_t num_groups() const { return (num_points + group_size - 1) / group_size; }
   std::size_t num_rows() const { return num_groups() * group_size * d; }
@@ -81,6 +89,7 @@ class Observed_points {
   void add(std::size_t i);
   void add_whitening(std::size_t i, const Sights& sights);
   void set_whitening();
+  std::size_t num_whitening() const { return Sights::num_of_whitening(d_) * (Block::max_rows / d_); }
   void move_to_own_world(const Pose& start);
 
   const Refine_problem& problem_;

@@ -30,10 +30,10 @@ double careful_length(const double* weights, const double* residuals, std::size_
 
 bool lengths_of_whitened(const Sights& sights, const Sight_kernels& kernels, const double* residuals, double* lengths) {
   const std::size_t d = sights.d;
-  if (kernels.lengths(sights.weights, residuals, d, sights.num_groups(), lengths)) return true;
+  if (kernels.lengths(sights.factors(), residuals, d, sights.num_groups(), lengths)) return true;
   for (std::size_t i = 0; i < sights.num_groups() * group_size; ++i) {
     const std::size_t first = sights.row(i, 0);
-    lengths[i] = careful_length(sights.weights + first, residuals + first, d);
+    lengths[i] = careful_length(sights.factors() + first, residuals + first, d);
   }
   return false;
 }

@@ -26,18 +26,26 @@ struct Numbers {
   Numbers(const std::vector<double>& values) : data(values.data()), size(values.size()) {}
 };
 
-/// A Gaussian on the pose: of the [w; dt] of Refine_result::covariance, from its pose on. 36 numbers of one of the two,
-/// or none.
+/// A Gaussian on the pose; give Refine_options::noise_sigma with it, or an observation counts as uncertain by 1 pixel
+/// or 1 radian. Of the [w; dt] of Refine_result::covariance, from its pose on. 36 numbers of one of the two, or none.
 struct Pose_prior {
   Pose pose;
   Numbers covariance = {};   ///< positive definite
   Numbers information = {};  ///< its inverse, which may leave directions open
 };
 
+/// Directions that are often known, for Refine_problem::fixed: all of the rotation, the direction of the world's z as
+/// the camera sees it, the centre, or its height along the world's z.
+inline const std::vector<double> fixed_rotation = {1, 0, 0, 0, 0, 0, 0, 1, 0, 0, 0, 0, 0, 0, 1, 0, 0, 0};
+inline const std::vector<double> fixed_gravity = {1, 0, 0, 0, 0, 0, 0, 1, 0, 0, 0, 0};
+inline const std::vector<double> fixed_centre = {0, 0, 0, 1, 0, 0, 0, 0, 0, 0, 1, 0, 0, 0, 0, 0, 0, 1};
+inline const std::vector<double> fixed_height = {0, 0, 0, 0, 0, 1};
+
 /// What a pose is refined from. The numbers must outlive the call.
 struct Refine_problem {
-  Pose start;           ///< where to begin
-  Numbers points;       ///< X, Y, Z of each of N >= 3 points, finite, world frame and units
+  Pose start;      ///< where to begin
+  Numbers points;  ///< X, Y, Z of each of N >= 3 points, or 1 with a prior or fixed directions, finite, world frame and
+                   ///< units
   Numbers observations; /**< of each point u, v or, of a camera that sees directions, x, y, z of any length but zero;
                              a point with a NaN in it was not seen and is left out */
   Camera_model camera;  ///< what the camera sees
@@ -75,7 +83,7 @@ struct Refine_options {
   double noise_sigma = 0;    /**< standard deviation of each coordinate of an observation of weight 1, for the
                                   covariance; 0: from the residuals, or 1 where the problem has covariances or a
                                   prior, which have a unit themselves */
-  int max_iterations = 100;  ///< 0 or more
+  int max_iterations = 100;  ///< 0 or more; those at the other tilt of a flat target do not count
   double step_tolerance = 1e-9;   ///< stop at a step below this, radians and parts of the points' distance
   double function_tolerance = 0;  ///< stop when the cost falls by less than this part of it; 0: never
   /// Called on the caller's thread with the start, number 0, and every step; true stops. Its rms is the one on the way,
@@ -101,7 +109,7 @@ enum class Refine_exit {
 /// Root mean square residuals of the points that are not left out, in pixels or radians, with weights.
 struct Rms {
   double robust;   ///< the root of the cost of a point on average, at Refine_result::loss_scale
-  double plain;    ///< without the loss
+  double plain;    ///< without the loss, and without what a prior adds to the cost
   double inliers;  ///< of Refine_result::is_inlier, without the loss
 };
 

@@ -15,6 +15,9 @@ struct Refine_input {
   /// Throws Bad_argument. All must outlive it.
   Refine_input(const Refine_problem& problem, const Refine_options& options, const Words& words);
 
+  /// What fixed directions keep: the problem's start to the last bit where that is a rotation, not only next to one.
+  const Pose& fixed_start() const;
+
   const Refine_problem& problem;
   const Refine_options& options;
   const Words& words;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
-// One descent, and another one from the mirrored pose where the first ends behind the target.
+// One descent, and others from the mirrored pose or the other tilt of a flat target.
 #include "pose_refinement/refinement.h"
 
 #include <algorithm>
@@ -22,9 +22,16 @@ const Argument& passed(const Argument& argument) {
   return argument;
 }
 
+/// Those at the other tilt of a target are not the user's: what is told of a pose must not depend on them.
+std::size_t iterations_allowed(const Refine_options& options, bool is_beside) {
+  constexpr int for_other_tilt = 100;
+  return static_cast<std::size_t>(is_beside ? std::max(options.max_iterations, for_other_tilt)
+                                            : options.max_iterations);
+}
+
 /// Whether run() may have come to this end.
-bool can_end(Refine_exit exit, std::size_t num_entries, const Refine_options& options) {
-  const std::size_t most = static_cast<std::size_t>(options.max_iterations) + 1;
+bool can_end(Refine_exit exit, std::size_t num_entries, const Refine_options& options, bool is_beside) {
+  const std::size_t most = iterations_allowed(options, is_beside) + 1;
   if (exit == Refine_exit::max_iterations) return num_entries == most;
   if (exit == Refine_exit::decrease && !(options.function_tolerance > 0.0)) return false;
   return num_entries <= most && (num_entries > 1 || exit == Refine_exit::stopped);
@@ -52,6 +59,15 @@ Refine_input::Refine_input(const Refine_problem& its_problem, const Refine_optio
       prior(its_problem.prior, data.world(), noise_sigma),
       motion(its_problem.fixed, data.world().from_users(start), data.world()) {}
 
+const Pose& Refine_input::fixed_start() const {
+  constexpr double rounding = 1e-14;
+  double largest = 0.0;
+  for (int i = 0; i < 9; ++i) {
+    largest = std::max(largest, std::abs((&problem.start.rotation[0][0])[i] - (&start.rotation[0][0])[i]));
+  }
+  return largest <= rounding ? problem.start : start;
+}
+
 Refinement::Refinement(const Refine_problem& problem, const Refine_options& options, const Words& words)
     : input_(problem, options, words), descent_(input_) {}
 
@@ -68,7 +84,7 @@ void Refinement::resume(const double* state, std::size_t size) {
   check_cost(descent.history.back(), descent.loss.scale);
   const bool is_beside = resumed.first && resumed.first->next == Other_side::tilted;
   const std::size_t num_entries = descent.history.size() - (is_beside ? resumed.first->num_entries : 0);
-  if (descent.exit && !can_end(*descent.exit, num_entries, input_.options)) refuse_state();
+  if (descent.exit && !can_end(*descent.exit, num_entries, input_.options, is_beside)) refuse_state();
   state_ = std::move(resumed);
 }
 
@@ -84,7 +100,7 @@ bool Refinement::run(Deadline deadline) {
 /// on can stop after the last one as after any other.
 void Refinement::advance() {
   Descent_state& descent = state_.descent;
-  if (num_entries_of_descent() > static_cast<std::size_t>(input_.options.max_iterations)) {
+  if (num_entries_of_descent() > iterations_allowed(input_.options, is_beside())) {
     descent.exit = Refine_exit::max_iterations;
     return;
   }
@@ -112,9 +128,10 @@ void Refinement::begin_next() {
   Descent_state& descent = state_.descent;
   if (!state_.first) return descent_.begin(input_.data.world().from_users(input_.start), descent);
   const Pose last = descent.history.back().pose;
-  const Pose other = is_beside() ? tilted(last, input_.data) : mirrored(last, input_.data);
-  descent_.begin(input_.motion.nearest(other), descent);
-  if (is_beside()) descent_.continue_with(state_.first->scale, descent);
+  if (!is_beside()) return descent_.begin(input_.motion.nearest(mirrored(last, input_.data)), descent);
+  const std::vector<double> pulls = pulls_at(last, state_.first->scale);
+  descent_.begin(input_.motion.nearest(tilted(last, input_.data, pulls)), descent);
+  descent_.continue_with(state_.first->scale, descent);
 }
 
 /// Where most of the weight ends behind the camera, the mirrored pose is to be tried as well: a flat target has the
@@ -146,12 +163,26 @@ void Refinement::look_at_other_tilt() {
 bool Refinement::is_flat() {
   constexpr double num_sigma = 5.0;
   const Descent_entry& last = state_.descent.history.back();
-  const Pose at_middle;
-  if (length_between(last.pose, at_middle) == 0.0) return false;
+  if (input_.data.num_used() < 3) return false;
+  const std::vector<double> pulls = pulls_at(last.pose, state_.descent.loss.scale);
+  if (!pulls.empty() && !(*std::max_element(pulls.begin(), pulls.end()) > 0.0)) return false;
   std::vector<double> lengths;
-  if (input_.options.loss != Loss::none) lengths = descent_.cost().lengths(last.pose);
-  const double noise = noise_sigma_of(input_, input_.options.loss, last.cost, lengths);
-  return is_seen_flat(last.pose, input_, num_sigma * noise) && !is_behind(last.pose);
+  const bool is_in_scale = input_.options.loss != Loss::none && input_.options.loss_scale == 0.0;
+  if (input_.options.loss != Loss::none && !is_in_scale) lengths = descent_.cost().lengths(last.pose);
+  const Robust_loss& loss = state_.descent.loss;
+  const double noise = is_in_scale && !(input_.noise_sigma > 0.0)
+                           ? loss.scale / loss.tuning()  // as it was chosen
+                           : noise_sigma_of(input_, input_.options.loss, last.cost, lengths);
+  return is_seen_flat(last.pose, input_, pulls, num_sigma * noise) && !is_behind(last.pose);
+}
+
+/// What the loss leaves of the weights of the points; none without a loss.
+std::vector<double> Refinement::pulls_at(const Pose& pose, double scale) {
+  const Robust_loss loss{input_.options.loss, scale};
+  if (loss.kind == Loss::none) return {};
+  std::vector<double> pulls = descent_.cost().lengths(pose);
+  for (double& pull : pulls) pull = loss.weight(pull);
+  return pulls;
 }
 
 /// More than half of the weight; directions have no front.
@@ -168,7 +199,7 @@ Refine_step Refinement::last_step() const {
   const World& world = input_.data.world();
   const double rms = std::sqrt(last.cost / static_cast<double>(input_.data.num_used()));
   Refine_step step{world.to_users(last.pose), rms, last.turn, last.shift * world.unit};
-  input_.motion.restore(input_.start, step.pose);
+  input_.motion.restore(input_.fixed_start(), step.pose);
   return step;
 }
 
@@ -211,25 +242,39 @@ bool Refinement::is_other_side_better() const {
          cost.cost(found, descent.loss) <= cost.cost(descent.history.front().pose, descent.loss);
 }
 
-/// Where the other tilt is a minimum of its own, the better one of both is the outcome.
+/// Where the other tilt is a minimum of its own, the better one of both is the outcome. Who stops on the way there gets
+/// the better pose.
 void Refinement::compare_tilts(Descent_outcome& outcome) const {
   const Descent_state& descent = state_.descent;
-  const Pose& found = outcome.history.back().pose;
-  const Pose& other = descent.history.back().pose;
+  const Descent_entry found = outcome.history.back();
+  const Descent_entry& other = descent.history.back();
+  const bool is_stopped = descent.exit.value_or(Refine_exit::stopped) == Refine_exit::stopped;
+  if (is_stopped) outcome.exit = Refine_exit::stopped;
+  if (descent.history.size() == outcome.history.size()) return;  // not begun
+  const Pose& start = descent.history[outcome.history.size()].pose;
+  const double least_turn = least_turn_to(angle_between(found.pose, start));
   const bool is_minimum = descent.exit && static_cast<int>(*descent.exit) > 0;
-  const double least_turn = std::max(1e-5, 100.0 * input_.options.step_tolerance);  // beyond what a step may leave
-  if (!is_minimum || angle_between(found, other) <= least_turn || is_behind(other)) return;
+  if (!(is_minimum || is_stopped) || angle_between(found.pose, other.pose) <= least_turn || is_behind(other.pose))
+    return;
   Pose_cost cost(input_);
-  const double rounding = cost.rounding();
-  if (descent.history.back().cost < cost.cost(found, descent.loss) - rounding) {
-    outcome.alternative = outcome.history.back();
-    outcome.exit = *descent.exit;
+  const bool is_better = other.cost < cost.cost(found.pose, descent.loss) - cost.rounding();
+  if (is_better) {
+    if (is_minimum) outcome.exit = *descent.exit;
     outcome.loss = descent.loss;
     outcome.history = descent.history;
-  } else {
-    outcome.alternative = descent.history.back();
   }
+  if (!is_minimum) return;
+  outcome.alternative = is_better ? found : other;
   outcome.alternative->cost = cost.cost(outcome.alternative->pose, outcome.loss);
+}
+
+/// How far apart two minima are at least: beyond what a step may leave, and where a descent may end before a minimum,
+/// by a part of the way that the other one began with.
+double Refinement::least_turn_to(double turn_of_start) const {
+  constexpr double hundred_steps = 100.0;
+  constexpr double part = 0.1;
+  const double least = std::max(1e-5, hundred_steps * input_.options.step_tolerance);
+  return input_.options.function_tolerance > 0.0 ? std::max(least, part * turn_of_start) : least;
 }
 
 }  // namespace kelvane

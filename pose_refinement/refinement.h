@@ -47,6 +47,8 @@ class Refinement {
   void look_from_other_side();
   void look_at_other_tilt();
   bool is_flat();
+  std::vector<double> pulls_at(const Pose& pose, double scale);
+  double least_turn_to(double turn_of_start) const;
   bool is_behind(const Pose& pose) const;
   Descent_outcome outcome() const;
   bool is_other_side_better() const;

@@ -72,7 +72,7 @@ class Reporter {
     result_.history.reserve(outcome_.history.size());
     for (const Descent_entry& entry : outcome_.history) {
       result_.history.push_back({world.to_users(entry.pose), root(entry.cost), entry.turn, entry.shift * world.unit});
-      input_.motion.restore(input_.start, result_.history.back().pose);
+      input_.motion.restore(input_.fixed_start(), result_.history.back().pose);
     }
     result_.history.front().pose = input_.start;  // not to the other world and back
   }
@@ -189,9 +189,9 @@ class Reporter {
   }
 
   void set_alternative() {
-    if (!outcome_.alternative) return;
+    if (!outcome_.alternative || !is_determined_) return;
     result_.alternative = {input_.data.world().to_users(outcome_.alternative->pose), root(outcome_.alternative->cost)};
-    input_.motion.restore(input_.start, result_.alternative->pose);
+    input_.motion.restore(input_.fixed_start(), result_.alternative->pose);
     if (static_cast<int>(result_.exit) > 0 && fits_as_well(outcome_.alternative->cost)) {
       result_.exit = Refine_exit::ambiguous;
     }

@@ -19,8 +19,8 @@ struct Pixel_lens {
 /// Residuals r and weights are whole groups of d coordinates, laid out as the rows of a block are; lengths one for each
 /// point.
 struct Sight_kernels {
-  /// Multiplies the d coordinates of each point by its d by d matrix, of which each entry takes a row, for two
-  /// coordinates by its lower triangle: a column of residuals, or of their derivatives.
+  /// Multiplies each point's d residuals, or one column of their derivatives, by its d by d matrix (d = 2: the three
+  /// entries of its lower triangle), of which each entry takes a row.
   void (*whiten)(const double* whitening, std::size_t d, std::size_t num_groups, double* column);
   /// Turns what the kernels over points predict with the focal length fx into observed minus seen, or NaN in the plane
   /// of the camera centre.

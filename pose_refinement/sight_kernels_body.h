@@ -52,17 +52,20 @@ void subtract_pixels(const double* observed, std::size_t num_groups, const kelva
   }
 }
 
+/// By a lower triangle for two coordinates, by all of a matrix for three.
 template <int width, std::size_t d>
 [[gnu::always_inline]] inline void whiten_coordinates(const double* whitening, std::size_t num_groups, double* column) {
+  constexpr std::size_t count = d == 2 ? 3 : d * d;
   for (std::size_t point = 0; point < num_groups * group_size; point += width) {
     double* const rows = column + first_row(point, d);
-    const double* const W = whitening + first_row(point, d * d);
+    const double* W = whitening + first_row(point, count);
     V<width> given[d];
     for (std::size_t k = 0; k < d; ++k) given[k] = load_anywhere<width>(rows + k * group_size);
     for (std::size_t k = 0; k < d; ++k) {
-      const std::size_t most = d == 2 ? k : d - 1;  // those of pixels are lower triangles
-      V<width> sum = load_anywhere<width>(W + k * d * group_size) * given[0];
-      for (std::size_t j = 1; j <= most; ++j) sum += load_anywhere<width>(W + (k * d + j) * group_size) * given[j];
+      const std::size_t num_entries = d == 2 ? k + 1 : d;
+      V<width> sum = load_anywhere<width>(W) * given[0];
+      for (std::size_t j = 1; j < num_entries; ++j) sum += load_anywhere<width>(W + j * group_size) * given[j];
+      W += num_entries * group_size;
       store_anywhere<width>(rows + k * group_size, sum);
     }
   }

@@ -78,8 +78,9 @@ class Symmetric_root {
       for (std::size_t j = i; j < n; ++j) U_[i][j] /= std::sqrt(pivot);
       return true;
     }
-    const double most = 10.0 * std::sqrt(least_pivot);
-    bool is_none = may_be_singular && pivot >= -10.0 * least_pivot;
+    constexpr double single = 1e-6;  // what rounding may have made of 0
+    constexpr double most = 1e-3;    // its root
+    bool is_none = may_be_singular && pivot >= -single;
     for (std::size_t j = i; j < n; ++j) {
       is_none = is_none && std::abs(U_[i][j]) <= most;
       U_[i][j] = 0.0;

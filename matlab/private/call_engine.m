@@ -4,7 +4,11 @@ function varargout = call_engine(varargin)
   try
     [varargout{1:max(1, nargout)}] = kelvane_engine(varargin{:});
   catch problem
-    message = regexprep(problem.message, '^kelvane_engine: ', '');
+    message = problem.message;  % of any bytes, which regexprep would refuse
+    name = 'kelvane_engine: ';
+    if strncmp(message, name, numel(name))
+      message = message(numel(name) + 1:end);
+    end
     error(struct('message', message, 'identifier', problem.identifier));
   end
 end

@@ -16,7 +16,9 @@ function drawn = plot_scene(target, info)
   xlabel(target, 'X');
   ylabel(target, 'Y');
   zlabel(target, 'Z');
-  if isempty(drawn.ellipsoid)
+  if isempty(drawn.ellipsoid) && all(all(isfinite(info.covariance(4:6, 4:6))))
+    title(target, 'scene, centre fixed');
+  elseif isempty(drawn.ellipsoid)
     title(target, 'scene, centre not determined');
   else
     title(target, sprintf('scene, 3 sigma %g times', zoom));
@@ -61,6 +63,9 @@ function [handle, zoom] = plot_ellipsoid(target, info, distance)
   end
   [axes_of_it, variances] = eig((covariance + covariance') / 2);
   half = axes_of_it * sqrt(max(variances, 0));
+  if norm(half) == 0
+    return;
+  end
   zoom = 10^floor(log10(0.1 * distance / (3 * norm(half) + realmin)));
   turn = [linspace(0, 2 * pi, 61), NaN];
   none = 0 * turn;

@@ -29,7 +29,7 @@ function options = refine_options(given, options)
   if ~isempty(options.Fixed)
     options.Fixed = fixed_directions(options.Fixed);
   end
-  if isfield(options.Prior, 'pose')
+  if isfield(options.Prior, 'pose') && isscalar(options.Prior)
     options.Prior.pose = plain_pose(options.Prior.pose, '');
   end
   if ~isempty(options.OutputFcn) && ~isa(options.OutputFcn, 'function_handle')

@@ -119,7 +119,7 @@
 %! assert(message('ObservationCovariance', C(:, :, 1:29)), ...
 %!        'ObservationCovariance must be 2 x 2, or 2 x 2 x 30, a page for each point; this is 2 x 2 x 29.');
 %! assert(message('ObservationCovariance', C, 'Weights', ones(1, 30)), ...
-%!        'ObservationCovariance and weights: one takes the place of the other, and only one can be given.');
+%!        'ObservationCovariance takes the place of weights: only one of both can be given.');
 %! prior = @(varargin) message('Prior', struct('pose', scene.truth, varargin{:}));
 %! fields = 'Prior must be a struct with the fields pose and either covariance or information.';
 %! assert({prior(), prior('covariance', eye(6), 'information', eye(6)), message('Prior', 5)}, {fields, fields, fields});
@@ -144,3 +144,16 @@
 %!   assert(info.exitflag > 0);
 %!   assert(isempty(info.alternative));
 %! end
+
+%!test  % two points lie as their observations do, and a wrong prior is told whatever its size
+%! scene = usual_scene();
+%! two = @(points, pixels) kelvane_refine(scene.start, points, pixels, scene.K, 'Fixed', 'centre');
+%! expected = two(scene.points(:, 1:2), scene.pixels(:, 1:2));
+%! assert(isequal(two(scene.points(:, 1:2)', scene.pixels(:, 1:2)'), expected));
+%! assert(~isequal(two(scene.points(:, 1:2), scene.pixels(:, 1:2)'), expected));
+%! message = @(prior) message_of(@() refined(scene, 'Prior', prior));
+%! fields = 'Prior must be a struct with the fields pose and either covariance or information.';
+%! assert(message(struct('pose', {scene.truth, scene.truth}, 'covariance', eye(6))), fields);
+%! v = single([1; 2; 3; 4; 5; 6]);
+%! [~, info] = refined(scene, 'Prior', struct('pose', scene.truth, 'information', v * v' / 7));
+%! assert(info.exitflag > 0);

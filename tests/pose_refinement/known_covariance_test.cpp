@@ -160,22 +160,26 @@ std::vector<double> axes(const std::vector<std::size_t>& which) {
   return fixed;
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    All, KnownCovariance,
-    testing::Values(Case{"PixelCovariances", false, Loss::none, true, false, {}},
-                    Case{"PixelCovariancesHuber", false, Loss::huber, true, false, {}},
-                    Case{"DirectionCovariances", true, Loss::none, true, false, {}},
-                    Case{"DirectionCovariancesTukey", true, Loss::tukey, true, false, {}},
-                    Case{"Prior", false, Loss::none, false, true, {}},
-                    Case{"PriorHuber", false, Loss::huber, false, true, {}},
-                    Case{"PriorOfDirections", true, Loss::none, false, true, {}},
-                    Case{"PriorAndCovariancesCauchy", false, Loss::cauchy, true, true, {}},
-                    Case{"CentreFixed", false, Loss::none, false, false, axes({3, 4, 5})},
-                    Case{"HeightFixed", false, Loss::huber, false, false, axes({5})},
-                    Case{"GravityFixed", false, Loss::none, true, false, axes({0, 1})},
-                    Case{"RotationFixedOfDirections", true, Loss::none, false, false, axes({0, 1, 2})},
-                    Case{"PriorWithSomeFixed", false, Loss::none, true, true,
-                         std::vector<double>{0.3, -1, 0.5, 0.2, 0.1, 0, 0, 0.4, 0.1, 1, -0.5, 0.3}}),
-    [](const auto& one) { return one.param.name; });
+const std::vector<double> oblique = {0.3, -1, 0.5, 0.2, 0.1, 0, 0, 0.4, 0.1, 1, -0.5, 0.3};
+
+INSTANTIATE_TEST_SUITE_P(All, KnownCovariance,
+                         testing::Values(Case{"PixelCovariances", false, Loss::none, true, false, {}},
+                                         Case{"PixelCovariancesHuber", false, Loss::huber, true, false, {}},
+                                         Case{"DirectionCovariances", true, Loss::none, true, false, {}},
+                                         Case{"DirectionCovariancesTukey", true, Loss::tukey, true, false, {}},
+                                         Case{"Prior", false, Loss::none, false, true, {}},
+                                         Case{"PriorHuber", false, Loss::huber, false, true, {}},
+                                         Case{"PriorOfDirections", true, Loss::none, false, true, {}},
+                                         Case{"PriorAndCovariancesCauchy", false, Loss::cauchy, true, true, {}},
+                                         Case{"CentreFixed", false, Loss::none, false, false, axes({3, 4, 5})},
+                                         Case{"HeightFixed", false, Loss::huber, false, false, axes({5})},
+                                         Case{"GravityFixed", false, Loss::none, true, false, axes({0, 1})},
+                                         Case{"RotationFixedOfDirections", true, Loss::none, false, false,
+                                              axes({0, 1, 2})},
+                                         Case{"PriorTukeyOfDirections", true, Loss::tukey, false, true, {}},
+                                         Case{"PriorHuberWithSomeFixed", false, Loss::huber, true, true, oblique},
+                                         Case{"TukeyCentreFixed", false, Loss::tukey, true, false, axes({3, 4, 5})},
+                                         Case{"PriorWithSomeFixed", false, Loss::none, true, true, oblique}),
+                         [](const auto& one) { return one.param.name; });
 
 }  // namespace

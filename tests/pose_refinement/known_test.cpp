@@ -83,11 +83,6 @@ TEST(ObservationCovariances, AreWeightsAlongTheirAxes) {
     straight.weights.insert(straight.weights.end(), {1.0 / a, 1.0 / b});
     covariances.insert(covariances.end(),
                        {c * c * a + s * s * b, c * s * (a - b), c * s * (a - b), s * s * a + c * c * b});
-    // Rows of the turned camera are those of the straight one turned by c, s.
-    const double u = straight.observations[2 * i];
-    const double v = straight.observations[2 * i + 1];
-    turned.observations[2 * i] = c * u - s * v;
-    turned.observations[2 * i + 1] = s * u + c * v;
   }
   // A turn of the picture about the principal axis turns the camera: pixels of f = 700 without a principal point.
   straight.camera = turned.camera = kelvane::pixel_camera(700, 0, 0);
@@ -178,8 +173,7 @@ TEST(Prior, MayLeaveDirectionsOpen) {
   const Refine_result found = refine(with_prior);
   Refine_problem fixed = problem.view();
   std::copy_n(with_prior.prior.pose.centre, 3, fixed.start.centre);
-  const std::vector<double> centre = {0, 0, 0, 1, 0, 0, 0, 0, 0, 0, 1, 0, 0, 0, 0, 0, 0, 1};
-  fixed.fixed = centre;
+  fixed.fixed = kelvane::fixed_centre;
   const Refine_result expected = refine(fixed);
   expect_same_pose(found.pose, expected.pose, 1e-8);
 }
@@ -328,6 +322,36 @@ TEST(Fixed, OfAllDirectionsIsRefused) {
   Refine_problem some = problem.view();
   some.fixed = all;
   EXPECT_THROW(refine(some), std::invalid_argument);
+}
+
+/// The words of C++ are axes.
+TEST(Fixed, HasNamesForTheUsualDirections) {
+  EXPECT_EQ(kelvane::fixed_rotation, axes({0, 1, 2}));
+  EXPECT_EQ(kelvane::fixed_gravity, axes({0, 1}));
+  EXPECT_EQ(kelvane::fixed_centre, axes({3, 4, 5}));
+  EXPECT_EQ(kelvane::fixed_height, axes({5}));
+}
+
+/// The noise that is told does not depend on how many directions are free.
+TEST(Fixed, LeavesTheNoiseAsItIs) {
+  for (const std::vector<int>& which : {std::vector<int>{}, {3, 4, 5}, {0, 1, 2, 3, 4}}) {
+    for (const kelvane::Loss loss : {kelvane::Loss::none, kelvane::Loss::huber}) {
+      support::Random random(12);
+      kelvane::Refine_options options;
+      options.loss = loss;
+      double square = 0.0;
+      constexpr int num_rounds = 2000;
+      for (int round = 0; round < num_rounds; ++round) {
+        Refined_problem problem = support::random_scene(random, 12, false, 1.0);
+        problem.start = support::pose_of_scene;
+        const std::vector<double> fixed = axes(which);
+        Refine_problem some = problem.view();
+        some.fixed = fixed;
+        square += std::pow(refine(some, options).noise_sigma, 2) / num_rounds;
+      }
+      EXPECT_NEAR(std::sqrt(square), 1.0, loss == kelvane::Loss::none ? 0.02 : 0.05) << which.size();
+    }
+  }
 }
 
 }  // namespace

@@ -178,8 +178,8 @@ TEST(Refinement, StopsAsAWatchDoes) {
       EXPECT_TRUE(support::have_same_bits(result, in_one_go(problem, options, last).result)) << result.message;
       if (last + 1 < num_steps || (last + 1 == num_steps && whole.result.exit == Refine_exit::max_iterations)) {
         EXPECT_LE(static_cast<int>(result.exit), static_cast<int>(Refine_exit::stopped)) << result.message;
-      } else {
-        EXPECT_EQ(result.exit, whole.result.exit);  // it was over anyway
+      } else if (num_steps <= 101 || result.exit != Refine_exit::stopped) {  // or the other tilt has had its last step
+        EXPECT_EQ(result.exit, whole.result.exit);                           // it was over anyway
       }
     }
   });
