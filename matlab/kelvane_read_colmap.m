@@ -6,7 +6,9 @@
 %   folder holds cameras, images and points3D, as binary files (.bin) or texts (.txt); where it holds both, the binary ones
 %   are read, as COLMAP does. rigs and frames, which COLMAP writes from version 3.12 on, are read where they are: then the
 %   poses are those of the frames.
-%   images, the names (text or cell of texts) or numbers of some images, has these read alone; [] means all.
+%
+%   Options, by name in any capitals, or as a struct:
+%     'Images'  names (text or cell of texts) or numbers of the images to read; [] (default): all
 %
 %   The distortion of the camera models SIMPLE_PINHOLE, PINHOLE, SIMPLE_RADIAL and RADIAL is removed from the observations.
 %   Images of any other model are left out, with a warning; where no image is left, that is an error. Anything broken is an

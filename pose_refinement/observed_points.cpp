@@ -3,6 +3,7 @@
 #include "pose_refinement/observed_points.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <string>
 
@@ -56,7 +57,11 @@ std::string text(std::size_t number) { return std::to_string(number); }
 }  // namespace
 
 const double* Sights::factors() const {
-  static const std::vector<double> ones(Block::max_rows, 1.0);
+  static constexpr std::array<double, Block::max_rows> ones = [] {
+    std::array<double, Block::max_rows> all{};
+    for (double& one : all) one = 1.0;
+    return all;
+  }();
   return has_ones ? ones.data() : weights;
 }
 

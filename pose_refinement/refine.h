@@ -29,7 +29,7 @@ struct Numbers {
 /// A Gaussian on the pose; give Refine_options::noise_sigma with it, or an observation counts as uncertain by 1 pixel
 /// or 1 radian. Of the [w; dt] of Refine_result::covariance, from its pose on. 36 numbers of one of the two, or none.
 struct Pose_prior {
-  Pose pose;
+  Pose pose;                 ///< the one that is most likely
   Numbers covariance = {};   ///< positive definite
   Numbers information = {};  ///< its inverse, which may leave directions open
 };
@@ -37,8 +37,11 @@ struct Pose_prior {
 /// Directions that are often known, for Refine_problem::fixed: all of the rotation, the direction of the world's z as
 /// the camera sees it, the centre, or its height along the world's z.
 inline const std::vector<double> fixed_rotation = {1, 0, 0, 0, 0, 0, 0, 1, 0, 0, 0, 0, 0, 0, 1, 0, 0, 0};
+/// See fixed_rotation.
 inline const std::vector<double> fixed_gravity = {1, 0, 0, 0, 0, 0, 0, 1, 0, 0, 0, 0};
+/// See fixed_rotation.
 inline const std::vector<double> fixed_centre = {0, 0, 0, 1, 0, 0, 0, 0, 0, 0, 1, 0, 0, 0, 0, 0, 0, 1};
+/// See fixed_rotation.
 inline const std::vector<double> fixed_height = {0, 0, 0, 0, 0, 1};
 
 /// What a pose is refined from. The numbers must outlive the call.
@@ -115,7 +118,7 @@ struct Rms {
 
 /// Another minimum of the cost. Seen from afar a flat target may be tilted one way or the other.
 struct Refine_alternative {
-  Pose pose;
+  Pose pose;   ///< at the minimum
   double rms;  ///< as Rms::robust of the result
 };
 
