@@ -38,6 +38,17 @@ double fold_in_pixels(const Lens& lens) {
   return std::abs(lens.K[0][0]) * std::hypot(moved.x, moved.y);
 }
 
+bool folds_inside(const Lens& lens, double width, double height) {
+  for (const double u : {0.0, width}) {
+    for (const double v : {0.0, height}) {
+      const double corner[2] = {u, v};
+      double direction[3];
+      if (!unproject(lens, corner, direction)) return true;
+    }
+  }
+  return false;
+}
+
 void ideal_pixel(const Lens& lens, const double* direction, double* pixel) {
   const double z = lens.forward * direction[2];
   const double inverse = z > 0.0 ? 1.0 / z : __builtin_nan("");

@@ -182,8 +182,10 @@ end
 %!  end
 %!endfunction
 
-%!test  % each row is what kelvane_refine returns, whatever the engine
+%!test  % each row is what kelvane_refine returns, whatever the engine and the cameras
 %! problems = some_problems(5);
+%! problems(2).intrinsics = kelvane_camera('SIMPLE_RADIAL', [500 320 240 -0.1]);
+%! problems(4).intrinsics = kelvane_camera('OPENCV_FISHEYE', [520 520 320 240 0 0 0 0]);
 %! results = kelvane_batch(problems, 'Progress', 'off', 'MaxIterations', 3);
 %! for k = 1:5
 %!   p = problems(k);
@@ -191,6 +193,7 @@ end
 %!   assert(isequal(results(k).pose, pose) && isequal(results(k).info, info));
 %!   assert([results(k).exitflag, results(k).rms_before, results(k).rms_after], ...
 %!          [info.exitflag, info.rms_before, info.rms_after]);
+%!   assert(isstruct(info.intrinsics), any(k == [2, 4]));
 %!   assert({results(k).name, results(k).error}, {sprintf('%d', k), ''});
 %! end
 %! for engine = {'threads', 'serial', 'parfor'}

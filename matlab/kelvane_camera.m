@@ -88,10 +88,9 @@ function [camera, second, third] = kelvane_camera(value, varargin)
   else
     value = plain_object(value, 'cameraIntrinsics');
   end
-  [camera, fold] = call_engine('camera', value, coefficients, kind, options.ImageSize);
-  if ~isempty(fold)
-    warning('kelvane:fold', ['This lens folds inside its picture: from about %.4g pixels around the principal point on, ' ...
-            'at %.4g degrees to the axis, nothing has an image.'], fold, camera.fold * 180 / pi);
+  [camera, folded] = call_engine('camera', value, coefficients, kind, options.ImageSize);
+  if ~isempty(folded)
+    warning('kelvane:fold', '%s', folded);
   end
 end
 

@@ -109,8 +109,7 @@ function [pose, info] = kelvane_refine(pose0, points, observations, intrinsics, 
   if isempty(form)
     form = options.PoseForm;
   end
-  camera = plain_object(intrinsics, 'cameraIntrinsics');
-  inputs = {{pose0}, {points}, {observations}, {camera}};
+  inputs = {{pose0}, {points}, {observations}, {plain_object(intrinsics, 'cameraIntrinsics')}};
   is_watched = ~isempty(options.OutputFcn) || strcmp(options.Display, 'iter');
   num_shown = 0;
   [result, is_over] = refined(inputs, options, [], is_watched);
@@ -123,9 +122,6 @@ function [pose, info] = kelvane_refine(pose0, points, observations, intrinsics, 
   end
   pose = written_pose(result.pose, form);
   info = result.info;
-  if isstruct(camera)
-    info.intrinsics = with_lens(camera, info.intrinsics);
-  end
   if is_watched
     show_rest(pose, info, num_shown, options);
   end
@@ -135,21 +131,10 @@ function [pose, info] = kelvane_refine(pose0, points, observations, intrinsics, 
   end
 end
 
-% The camera where it has a lens, K where that is all there is.
-function intrinsics = with_lens(camera, K)
-  intrinsics = K;
-  camera = call_engine('camera', camera);
-  is_pinhole = any(strcmp(camera.model, {'SIMPLE_PINHOLE', 'PINHOLE'})) || ...
-               (strcmp(camera.model, 'GENERAL_PERSPECTIVE') && ~any(camera.parameters(6:end)));
-  if ~is_pinhole
-    intrinsics = camera;
-  end
-end
-
 % As far as kelvane_engine comes in 0.2 s, so that Ctrl-C has its chance; one iteration where each is watched.
 function [result, is_over] = refined(inputs, options, state, is_watched)
   found = call_engine('refine', inputs{:}, options, {state}, 0.2 * ~is_watched);
-  result = refined_rows(found, inputs{1:3});
+  result = refined_rows(found, inputs{:});
   if ~isempty(result.error)
     error(struct('message', result.error, 'identifier', result.identifier));
   end

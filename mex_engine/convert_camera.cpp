@@ -1,22 +1,17 @@
 // SPDX-License-Identifier: BSD-3-Clause
-// [camera, fold] = kelvane_engine('camera', model, parameters, '', image_size), or of intrinsics, coefficients and
+// [camera, warning] = kelvane_engine('camera', model, parameters, '', image_size), or of intrinsics, coefficients and
 // 'perspective' or 'fisheye'; [model, parameters] or [K, coefficients, kind] = kelvane_engine('camera_as', camera,
 // form)
 #include <algorithm>
 
 #include "mex_engine/answer.h"
+#include "mex_engine/host_camera.h"
 #include "mex_engine/host_struct.h"
 #include "mex_engine/read_camera.h"
 #include "mex_engine/sentence.h"
 
 namespace kelvane::mex_engine {
 namespace {
-
-mxArray* row(const double* values, std::size_t size) {
-  mxArray* array = mxCreateDoubleMatrix(size > 0 ? 1 : 0, static_cast<mwSize>(size), mxREAL);
-  std::copy_n(values, size, mxGetPr(array));
-  return array;
-}
 
 std::vector<double> numbers_in(const mxArray* array, const char* name) {
   return array != nullptr ? read_vector(array, name) : std::vector<double>();
@@ -42,38 +37,25 @@ Lens given_lens(const Inputs& inputs) {
 
 class Camera_answer final : public Answer {
  public:
-  explicit Camera_answer(const Inputs& inputs)
-      : lens_(given_lens(inputs)), image_size_(numbers_in(inputs[3], "ImageSize")) {
-    if (image_size_.empty()) return;
+  explicit Camera_answer(const Inputs& inputs) : camera_{given_lens(inputs)} {
+    const std::vector<double> size = numbers_in(inputs[3], "ImageSize");
+    if (size.empty()) return;
     const auto is_positive = [](double x) { return x > 0.0; };
-    if (image_size_.size() != 2 || !std::all_of(image_size_.begin(), image_size_.end(), is_positive)) {
+    if (size.size() != 2 || !std::all_of(size.begin(), size.end(), is_positive)) {
       refuse("imageSize", "ImageSize must be [width height], in pixels, both above 0.");
     }
-    for (const double u : {0.0, image_size_[0]}) {
-      for (const double v : {0.0, image_size_[1]}) {
-        const double corner[2] = {u, v};
-        double direction[3];
-        has_fold_ |= !unproject(lens_, corner, direction);
-      }
-    }
+    std::copy(size.begin(), size.end(), camera_.image_size);
+    if (folds_inside(camera_.lens, size[0], size[1])) warning_ = fold_sentence("This lens", camera_.lens);
   }
 
   void write(int num_outputs, mxArray* outputs[]) const override {
-    static const char* names[] = {"model", "parameters", "image_size", "fold"};
-    const double angle = largest_angle(lens_);
-    const double fold = fold_in_pixels(lens_);
-    outputs[0] = mxCreateStructMatrix(1, 1, 4, names);
-    mxSetFieldByNumber(outputs[0], 0, 0, mxCreateString(lens_.model->name));
-    mxSetFieldByNumber(outputs[0], 0, 1, row(lens_.given, lens_.model->num_parameters()));
-    mxSetFieldByNumber(outputs[0], 0, 2, row(image_size_.data(), image_size_.size()));
-    mxSetFieldByNumber(outputs[0], 0, 3, row(&angle, 1));
-    if (num_outputs > 1) outputs[1] = row(&fold, has_fold_ ? 1 : 0);
+    outputs[0] = created_camera(camera_);
+    if (num_outputs > 1) outputs[1] = mxCreateString(warning_.c_str());
   }
 
  private:
-  Lens lens_;
-  std::vector<double> image_size_;
-  bool has_fold_ = false;
+  Pictured_camera camera_;
+  std::string warning_;
 };
 
 class Colmap_answer final : public Answer {
@@ -82,8 +64,8 @@ class Colmap_answer final : public Answer {
 
   void write(int num_outputs, mxArray* outputs[]) const override {
     outputs[0] = mxCreateString(lens_.model->name);
-    if (num_outputs > 1) outputs[1] = row(lens_.given, lens_.model->num_parameters());
-    if (num_outputs > 2) outputs[2] = row(nullptr, 0);
+    if (num_outputs > 1) outputs[1] = created_row(lens_.given, lens_.model->num_parameters());
+    if (num_outputs > 2) outputs[2] = created_row(nullptr, 0);
   }
 
  private:
@@ -96,9 +78,9 @@ class Opencv_answer final : public Answer {
 
   void write(int num_outputs, mxArray* outputs[]) const override {
     const bool is_fisheye = lens_.model->plane == Lens_plane::fisheye;
-    outputs[0] = mxCreateDoubleMatrix(3, 3, mxREAL);
+    outputs[0] = created_matrix(3, 3);
     for (int i = 0; i < 9; ++i) mxGetPr(outputs[0])[i] = lens_.K[i % 3][i / 3];
-    if (num_outputs > 1) outputs[1] = row(coefficients_.data(), coefficients_.size());
+    if (num_outputs > 1) outputs[1] = created_row(coefficients_.data(), coefficients_.size());
     if (num_outputs > 2) outputs[2] = mxCreateString(is_fisheye ? "fisheye" : "perspective");
   }
 

@@ -28,7 +28,8 @@ Host_problem::Host_problem(const Given_inputs& inputs, const Given_options& opti
     : options_(options),
       start_(read_raw_pose(inputs.start, options.pose_form, options.pose_frame)),
       observations_(read_observations(inputs.observations, has_known(options) ? inputs.points : nullptr)),
-      points_(read_points(inputs.points, observations_)) {
+      points_(read_points(inputs.points, observations_)),
+      has_camera_struct_(is_camera_struct(inputs.intrinsics)) {
   const Camera_model camera = camera_for(inputs.intrinsics, observations_.numbers.rows());
   problem_ = {start_.pose, numbers_of(points_), numbers_of(observations_), camera};
   if (options.weights != nullptr) {

@@ -32,6 +32,8 @@ class Host_problem {
   const Given_options& options() const { return options_; }
   const Columns& points() const { return points_; }
   const Columns& observations() const { return observations_; }
+  /// Whether the intrinsics, as they were handed over, are the struct of kelvane_camera.
+  bool has_camera_struct() const { return has_camera_struct_; }
 
   /// The sentence of an error of the refinement, with the host's names and numbers.
   std::string message_of(const Bad_argument& error) const;
@@ -49,6 +51,7 @@ class Host_problem {
   Columns observations_, points_;
   std::optional<Columns> weights_;
   std::optional<Known> known_;
+  bool has_camera_struct_;
   Refine_problem problem_;
   const Pose_form* output_form_ = nullptr;
   Pose_frame output_frame_ = Pose_frame::world_from_camera;

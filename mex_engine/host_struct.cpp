@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: BSD-3-Clause
-// Texts of the host.
+// By the host's functions.
 #include "mex_engine/host_struct.h"
+
+#include <algorithm>
 
 #include "mex_engine/sentence.h"
 
@@ -18,6 +20,16 @@ std::string text_in(const mxArray* array, const std::string& name) {
   }
   value.pop_back();
   return value;
+}
+
+mxArray* created_matrix(std::size_t rows, std::size_t columns) {
+  return mxCreateDoubleMatrix(static_cast<mwSize>(rows), static_cast<mwSize>(columns), mxREAL);
+}
+
+mxArray* created_row(const double* values, std::size_t n) {
+  mxArray* row = created_matrix(n > 0 ? 1 : 0, n);
+  std::copy_n(values, n, mxGetPr(row));
+  return row;
 }
 
 }  // namespace kelvane::mex_engine

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
-// Texts, cells and fields of the host.
+// Texts, cells, fields and matrices of the host.
 #pragma once
 
 #include <mex.h>
@@ -26,5 +26,10 @@ inline std::size_t num_elements(const mxArray* array) { return static_cast<std::
 inline bool has_field(const mxArray* array, const char* name) {
   return mxIsStruct(array) && num_elements(array) == 1 && field(array, 0, name) != nullptr;
 }
+
+/// Zeros.
+mxArray* created_matrix(std::size_t rows, std::size_t columns);
+/// 1 x n, or [] where there are none.
+mxArray* created_row(const double* values, std::size_t n);
 
 }  // namespace kelvane::mex_engine

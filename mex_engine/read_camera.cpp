@@ -98,9 +98,13 @@ std::vector<double> read_vector(const mxArray* array, const char* name) {
   return {given.data(), given.data() + given.size()};
 }
 
+bool is_camera_struct(const mxArray* intrinsics) {
+  return has_field(intrinsics, "model") && has_field(intrinsics, "parameters");
+}
+
 std::optional<Lens> read_lens(const mxArray* intrinsics) {
   if (mxIsNumeric(intrinsics) || mxIsLogical(intrinsics)) return lens_of_numbers(intrinsics);
-  if (has_field(intrinsics, "model") && has_field(intrinsics, "parameters")) {
+  if (is_camera_struct(intrinsics)) {
     const Lens_model& model = lens_model(text_in(field(intrinsics, 0, "model"), "The model of a camera"));
     return make_lens(model, read_vector(field(intrinsics, 0, "parameters"), "parameters"));
   }

@@ -13,6 +13,8 @@
 
 namespace kelvane::mex_engine {
 
+/// Whether it is the struct of kelvane_camera.
+bool is_camera_struct(const mxArray* intrinsics);
 /// [f cx cy], [fx fy cx cy], K, the struct of kelvane_camera, a struct with the fields of MATLAB's cameraIntrinsics or
 /// cameraParameters, or [] for directions, which have no lens. Throws Bad_argument.
 std::optional<Lens> read_lens(const mxArray* intrinsics);

@@ -5,27 +5,18 @@
 #include <algorithm>
 #include <cstring>
 
+#include "mex_engine/host_camera.h"
+#include "mex_engine/host_struct.h"
 #include "pose_refinement/motion.h"
 
 namespace kelvane::mex_engine {
 namespace {
 
-constexpr const char* names[] = {"is_found",        "figures",         "pose",      "covariance",
-                                 "intrinsics",      "sees_directions", "is_start",  "is_struct",
-                                 "num_steps",       "steps",           "message",   "identifier",
-                                 "has_alternative", "alternative",     "residuals", "inliers",
-                                 "points",          "observations",    "written",   "state"};
+constexpr const char* names[] = {"is_found",        "figures",     "pose",      "covariance", "is_start",
+                                 "is_struct",       "num_steps",   "steps",     "message",    "identifier",
+                                 "has_alternative", "alternative", "residuals", "inliers",    "points",
+                                 "observations",    "intrinsics",  "written",   "state"};
 constexpr std::size_t num_names = sizeof names / sizeof names[0];
-
-mxArray* created_matrix(std::size_t rows, std::size_t columns) {
-  return mxCreateDoubleMatrix(static_cast<mwSize>(rows), static_cast<mwSize>(columns), mxREAL);
-}
-
-mxArray* created_row(const std::vector<double>& values) {
-  mxArray* row = created_matrix(1, values.size());
-  std::copy(values.begin(), values.end(), mxGetPr(row));
-  return row;
-}
 
 mxArray* created_flags(const std::vector<unsigned char>& flags) {
   mxArray* row = mxCreateLogicalMatrix(1, static_cast<mwSize>(flags.size()));
@@ -70,6 +61,17 @@ constexpr std::size_t num_figures = 13;
 /// Null where the caller's own array is the same.
 mxArray* columns_or_null(const Columns& columns) {
   return columns.numbers.is_as_given() ? nullptr : written_columns(columns);
+}
+
+/// Null where the caller's own is the same.
+mxArray* camera_or_null(const Host_problem& problem) {
+  const Camera_model& camera = problem.problem().camera;
+  if (camera.sees_directions || (camera.lens.has_value() && problem.has_camera_struct())) return nullptr;
+  if (camera.lens.has_value()) return created_camera({*camera.lens});
+  mxArray* K = created_matrix(3, 3);
+  const double columns[] = {camera.fx, 0.0, 0.0, camera.skew, camera.fy, 0.0, camera.cx, camera.cy, 1.0};
+  std::copy(std::begin(columns), std::end(columns), mxGetPr(K));
+  return K;
 }
 
 /// The first n problems as fields of a struct.
@@ -129,11 +131,6 @@ class Writer {
     add_columns("covariance", 36, [](const Refined& one, double* to) {  // symmetric
       std::copy_n(&one.task->result.covariance[0][0], 36, to);
     });
-    add_columns("intrinsics", 9, [](const Refined& one, double* to) {
-      const Camera_model& camera = one.problem->problem().camera;
-      const double columns[] = {camera.fx, 0.0, 0.0, camera.skew, camera.fy, 0.0, camera.cx, camera.cy, 1.0};
-      std::copy(std::begin(columns), std::end(columns), to);
-    });
     const auto has_alternative = [](const Refined& one) {
       return one.is_found() && one.task->result.alternative.has_value();
     };
@@ -143,7 +140,6 @@ class Writer {
       *to = one.task->result.alternative->rms;
       put_pose(one.task->result.alternative->pose, to + 1);
     });
-    add_flags("sees_directions", [](const Refined& one) { return one.problem->problem().camera.sees_directions; });
     add_flags("is_found", [](const Refined& one) { return one.is_found(); });
     add_flags("is_struct", [](const Refined& one) { return one.problem->is_output_struct(); });
     add_flags("is_start", [](const Refined& one) {
@@ -197,11 +193,14 @@ class Writer {
       const Columns& seen = one.problem->observations();
       return seen.numbers.rows() == 3 ? written_directions(seen) : columns_or_null(seen);
     });
+    add_cell("intrinsics", [](const Refined& one) { return one.is_found() ? camera_or_null(*one.problem) : nullptr; });
     add_cell("written", [](const Refined& one) {
       if (one.has_failed() || one.problem->is_output_struct()) return static_cast<mxArray*>(nullptr);
       return one.problem->written(one.task->is_over ? one.task->result.pose : one.task->step.pose);
     });
-    add_cell("state", [](const Refined& one) { return one.task->is_over ? nullptr : created_row(one.task->state); });
+    add_cell("state", [](const Refined& one) {
+      return one.task->is_over ? nullptr : created_row(one.task->state.data(), one.task->state.size());
+    });
   }
 
   const std::vector<Refined>& refined_;
@@ -217,7 +216,7 @@ mxArray* written_states(const std::vector<Refined>& refined) {
   mxArray* states = mxCreateCellMatrix(1, static_cast<mwSize>(refined.size()));
   for (std::size_t k = 0; k < refined.size(); ++k) {
     const std::vector<double>& state = refined[k].task->state;
-    if (!state.empty()) mxSetCell(states, static_cast<mwIndex>(k), created_row(state));
+    if (!state.empty()) mxSetCell(states, static_cast<mwIndex>(k), created_row(state.data(), state.size()));
   }
   return states;
 }

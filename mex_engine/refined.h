@@ -31,15 +31,15 @@ struct Refined {
 ///   pose              12 x n: columns of the rotation, centre; also as `written`, in the form that is asked for
 ///   covariance        36 x n, of [w; dt]
 ///   alternative       13 x n: rms and pose of the other tilt
-///   intrinsics        9 x n: columns of K
 ///   num_steps, steps  1 x n, and 15 rows: rms, turn, shift and pose of each step, one problem behind the other
-///   is_found, has_alternative, is_start, is_struct, sees_directions
+///   is_found, has_alternative, is_start, is_struct
 ///                     1 x n: over without an error; there is another tilt; the caller's own start; written is the
-///                     struct of kelvane_pose; K is []
+///                     struct of kelvane_pose
 ///   message           the exit in words, or the error; [] where it is that of the problem before
 ///   identifier        of an error
-///   residuals, inliers, points, observations
-///                     cells of d x N, 1 x N and what was read, [] where that is the caller's own array
+///   residuals, inliers, points, observations, intrinsics
+///                     cells of d x N, 1 x N and what was read, [] where that is the caller's own array; K, or the
+///                     struct of kelvane_camera where there is a lens
 ///   state             to go on from, [] where it is over
 ///
 /// Calls the host alone, and owns nothing.

@@ -1,9 +1,9 @@
 % SPDX-License-Identifier: BSD-3-Clause
 % The results of kelvane_engine('refine', ...) as a struct array with an element for each problem: pose, info, exitflag,
-% rms_before, rms_after, error, identifier and state. points and observations, cells of what was handed over, complete the
-% infos. Nothing is done problem by problem, and by functions of the interpreter itself: anything else would take longer
+% rms_before, rms_after, error, identifier and state. points, observations and intrinsics, cells of what was handed over,
+% complete the infos. Nothing is done problem by problem, and by functions of the interpreter itself: anything else would take longer
 % than the refinements.
-function rows = refined_rows(found, starts, points, observations)
+function rows = refined_rows(found, starts, points, observations, intrinsics)
   n = size(found.figures, 2);
   figures = num2cell(found.figures);
   failed = ~cellfun('isempty', found.identifier);
@@ -18,6 +18,7 @@ function rows = refined_rows(found, starts, points, observations)
   found.message = repeated(found.message);
   found.points = completed(found.points, points);
   found.observations = completed(found.observations, observations);
+  found.intrinsics = completed(found.intrinsics, intrinsics);
   infos = num2cell(infos_of(found, figures));
   for k = find(~found.is_found & ~failed)
     infos{k} = struct('iteration', figures{8, k}, 'rms', found.history{k}.rms, 'turn', found.history{k}.turn, ...
@@ -51,8 +52,6 @@ end
 function infos = infos_of(found, figures)
   n = size(figures, 2);
   covariances = mat2cell(reshape(found.covariance, 6, 6 * n), 6, 6 * ones(1, n));
-  cameras = mat2cell(reshape(found.intrinsics, 3, 3 * n), 3, 3 * ones(1, n));
-  cameras(found.sees_directions) = {[]};
   infos = struct('exitflag', figures(1, :), 'message', found.message, 'rms_before', figures(2, :), ...
                  'rms_after', figures(3, :), 'rms_plain_before', figures(4, :), 'rms_plain_after', figures(5, :), ...
                  'rms_inliers_before', figures(6, :), 'rms_inliers_after', figures(7, :), 'iterations', figures(8, :), ...
@@ -60,7 +59,7 @@ function infos = infos_of(found, figures)
                  'noise_sigma', figures(9, :), 'inliers', found.inliers, 'num_inliers', figures(10, :), ...
                  'loss_scale', figures(11, :), 'num_behind', figures(12, :), 'num_left_out', figures(13, :), ...
                  'pose', found.pose, 'alternative', found.alternative, 'points', found.points, ...
-                 'observations', found.observations, 'intrinsics', cameras);
+                 'observations', found.observations, 'intrinsics', found.intrinsics);
 end
 
 % A text that is the same as the one before it comes empty.

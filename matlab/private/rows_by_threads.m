@@ -17,7 +17,7 @@ function [rows, batch] = rows_by_threads(problems, options, batch, states)
     end
     some = inputs(:, slice);
     found = call_engine('refine', some(1, :), some(2, :), some(3, :), some(4, :), own, states(slice), seconds, batch.Threads);
-    found = refined_rows(found, some(1, :), some(2, :), some(3, :));
+    found = refined_rows(found, some(1, :), some(2, :), some(3, :), some(4, :));
     begun = slice(1:numel(found));
     rows(begun) = found;
     [states{begun}] = found.state;

@@ -16,7 +16,7 @@
 %!  info.residuals = found.residuals{1};
 %!  info.inliers = found.inliers{1};
 %!  info.covariance = reshape(found.covariance, 6, 6);
-%!  info.intrinsics = reshape(found.intrinsics, 3, 3);
+%!  info.intrinsics = found.intrinsics{1};
 %!  for k = found.num_steps:-1:1
 %!    step = found.steps(:, k);
 %!    info.history(k) = struct('pose', pose_of(step(4:15)), 'rms', step(1), 'turn', step(2), 'shift', step(3));
