@@ -8,8 +8,8 @@
 %   [model, parameters] = kelvane_camera(camera, 'colmap')
 %   [K, coefficients, kind] = kelvane_camera(camera, 'opencv')
 %
-%   kelvane_project, kelvane_undistort and kelvane_distort take the camera where they take intrinsics. The last two calls
-%   are the way back.
+%   kelvane_refine, kelvane_batch, kelvane_project, kelvane_undistort and kelvane_distort take the camera where they take
+%   intrinsics; kelvane_read_colmap and kelvane_read_bal return it. The last two calls are the way back.
 %
 %   Inputs:
 %     model         one of the names below

@@ -180,6 +180,14 @@ end
 %! seen = kelvane_project(info.pose, info.points, camera);
 %! assert([get(h(2).predicted, 'xdata'); get(h(2).predicted, 'ydata')], seen, 1e-9);
 
+%!test  % the pixels of BAL's camera have y up
+%! info = some_info([500 320 240]);
+%! info.intrinsics = kelvane_camera('BAL', [500 0 0]);
+%! f = hidden_figure();
+%! closing = onCleanup(@() close(f));
+%! h = kelvane_plot(axes('parent', f), info, 'after');
+%! assert(get(h.axes, 'ydir'), 'normal');
+
 %!test  % the ellipsoid is that of the covariance, times the power of ten that the title tells
 %! info = some_info([500 320 240]);
 %! f = hidden_figure();

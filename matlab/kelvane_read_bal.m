@@ -2,20 +2,20 @@
 %
 %   problems = kelvane_read_bal(file)
 %
-%   file is a text file of that collection, after bunzip2. Its cameras look along -z with y up; here they look along z with y
-%   down, so poses are turned and pixels mirrored on the way in. The radial distortion is removed from the observations. A
-%   broken file is an error that names the line and column.
+%   file is a text file of that collection, after bunzip2. Its cameras are taken as they are: they look along -z with y up. A
+%   broken file is an error that names the line and column. A lens that folds back within its pixels is a warning, one for
+%   all cameras.
 %
 %   problems is a 1 x n struct array, in the order of the file, as kelvane_batch takes it, with the fields
 %     name          'camera 0' for the first
 %     id            number of the camera in the file, from 0
 %     start         its pose, the struct of kelvane_pose
 %     points        3 x m world points that it observes, in the file's unit
-%     observations  2 x m pixels (u to the right, v down) from the middle of the image, without distortion
-%     intrinsics    3 x 3 K with the principal point (0, 0), pixels
+%     observations  2 x m pixels as they are in the file: u to the right and v up, from the middle of the image
+%     intrinsics    its camera, the struct of kelvane_camera with the model 'BAL'
 %     image_size    [], which the file does not tell
 %     point_ids     1 x m, number of each point in the file, from 0
-%   Pixels beyond what a lens with this distortion can see are left out, with a warning.
+%   Until version 0.1 poses were turned to look along z, v went down, observations were undistorted, and intrinsics a K.
 %
 %   Example:
 %     bal = tempname();
@@ -28,9 +28,9 @@
 %     fprintf('seen at (%g, %g), ', problem.observations);
 %     fprintf('predicted (%g, %g)\n', kelvane_project(problem.start, problem.points, problem.intrinsics));
 %   Output:
-%     seen at (-30, -40), predicted (-30, -40)
+%     seen at (-30, 40), predicted (-30, 40)
 %
-%   See also kelvane_write_bal, kelvane_batch, kelvane_read_colmap, kelvane_refine, kelvane_pose.
+%   See also kelvane_write_bal, kelvane_batch, kelvane_read_colmap, kelvane_camera, kelvane_refine, kelvane_pose.
 
 % SPDX-License-Identifier: BSD-3-Clause
 % Reader of the problems of Agarwal, Snavely, Seitz, Szeliski 2010.
@@ -65,6 +65,8 @@ end
 %! assert([size(problems(1).points, 2), size(problems(2).points, 2)], [0, 20]);
 %! assert({problems.name}, {'camera 0', 'camera 1'});
 %! assert(problems(2).point_ids, 0:19);
+%! assert(problems(2).intrinsics, kelvane_camera('BAL', camera(7:9)));
+%! assert(problems(2).observations, p);
 %! [seen, ~, depth] = kelvane_project(problems(2).start, problems(2).points, problems(2).intrinsics);
 %! assert(all(depth > 0));
-%! assert(seen, problems(2).observations, 1e-10);
+%! assert(seen, p, 1e-10);

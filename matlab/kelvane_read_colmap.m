@@ -10,21 +10,21 @@
 %   Options, by name in any capitals, or as a struct:
 %     'Images'  names (text or cell of texts) or numbers of the images to read; [] (default): all
 %
-%   The distortion of the camera models SIMPLE_PINHOLE, PINHOLE, SIMPLE_RADIAL and RADIAL is removed from the observations.
-%   Images of any other model are left out, with a warning; where no image is left, that is an error. Anything broken is an
-%   error that names the file, line and column, or the byte of a binary file. A comment that counts other than what follows
-%   is a warning.
+%   Images of a camera model that kelvane_camera does not know are left out, with a warning; where no image is left, that is
+%   an error. Anything broken is an error that names the file, line and column, or the byte of a binary file. A comment that
+%   counts other than what follows is a warning, and so is a lens that folds back inside its picture: one for all cameras.
 %
 %   problems is a 1 x n struct array, in the order of the images in the file, as kelvane_batch takes it, with the fields
 %     name          file name of the image
 %     id            its IMAGE_ID
 %     start         its pose, the struct of kelvane_pose (COLMAP's camera_from_world is taken care of)
 %     points        3 x m world points, in the model's unit: those that belong to a pixel of this image
-%     observations  2 x m pixels without distortion, in COLMAP's count: the centre of the top left one is (0.5, 0.5)
-%     intrinsics    3 x 3 K, pixels
+%     observations  2 x m pixels as they are in the file, in COLMAP's count: the centre of the top left one is (0.5, 0.5)
+%     intrinsics    its camera, the struct of kelvane_camera, with its lens
 %     image_size    [width, height], pixels
 %     point_ids     1 x m, POINT3D_ID of each point
-%   Pixels beyond what a lens with this distortion can see are left out, with a warning.
+%   Until version 0.1 observations were undistorted, and intrinsics a matrix K: now [K, ~] = kelvane_camera(intrinsics,
+%   'opencv'), of a camera that OpenCV has, and kelvane_undistort(observations, intrinsics).
 %
 %   Example:
 %     folder = tempname();
@@ -38,11 +38,14 @@
 %       fclose(file);
 %     end
 %     problem = kelvane_read_colmap(folder);
-%     fprintf('%s: (%.2f, %.2f) and (%.2f, %.2f)\n', problem.name, problem.observations);
+%     fprintf('%s of %s: (%g, %g) and (%g, %g)\n', problem.name, problem.intrinsics.model, problem.observations);
+%     fprintf('without the lens (%.2f, %.2f) and (%.2f, %.2f)\n', ...
+%             kelvane_undistort(problem.observations, problem.intrinsics));
 %   Output:
-%     first.jpg: (320.00, 240.00) and (432.43, 240.00)
+%     first.jpg of SIMPLE_RADIAL: (320, 240) and (433, 240)
+%     without the lens (320.00, 240.00) and (432.43, 240.00)
 %
-%   See also kelvane_write_colmap, kelvane_batch, kelvane_read_bal, kelvane_refine, kelvane_pose.
+%   See also kelvane_write_colmap, kelvane_batch, kelvane_read_bal, kelvane_camera, kelvane_refine, kelvane_pose.
 
 % SPDX-License-Identifier: BSD-3-Clause
 % Reader of COLMAP's models.
@@ -78,8 +81,9 @@ end
 %! assert([problems.id], [3, 4]);
 %! assert(kelvane_pose(problems(1).start, 'colmap'), {[0.6 0 0.8 0], [1 2 3]}, 1e-15);
 %! assert({problems(1).points, problems(1).observations, problems(1).point_ids}, {[4 1; 5 2; 6 3], [1 3; 2 4], [8 6]});
-%! assert(problems(1).intrinsics, [500 0 320; 0 510 240; 0 0 1]);
+%! assert(problems(1).intrinsics, kelvane_camera('PINHOLE', [500 510 320 240], 'ImageSize', [640 480]));
 %! assert(size(problems(2).points), [3, 0]);
-%! assert({problems(2).intrinsics, problems(2).image_size}, {[50 0 32; 0 50 24; 0 0 1], [64 48]});
+%! assert(problems(2).intrinsics, kelvane_camera('RADIAL', [50 32 24 0.1 0.02], 'ImageSize', [64 48]));
+%! assert(problems(2).image_size, [64 48]);
 %! confirm_recursive_rmdir(false, 'local');
 %! rmdir(folder, 's');

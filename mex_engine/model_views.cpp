@@ -5,14 +5,16 @@
 #include <algorithm>
 #include <utility>
 
+#include "mex_engine/host_struct.h"
+
 namespace kelvane::mex_engine {
 namespace {
 
-constexpr const char* view_fields[] = {"name",      "id",         "pose",       "points",  "observations",
-                                       "point_ids", "intrinsics", "image_size", "warnings"};
+constexpr const char* view_fields[] = {"name",      "id",      "pose",   "points",  "observations",
+                                       "point_ids", "cameras", "camera", "warnings"};
 
-mxArray* zeros(std::size_t rows, std::size_t columns) {
-  return mxCreateDoubleMatrix(static_cast<mwSize>(rows), static_cast<mwSize>(columns), mxREAL);
+mxArray* created_cell(std::size_t rows, std::size_t columns) {
+  return mxCreateCellMatrix(static_cast<mwSize>(rows), static_cast<mwSize>(columns));
 }
 
 class Views_answer final : public Answer {
@@ -31,10 +33,8 @@ class Views_answer final : public Answer {
         cells[0],
         cells[1],
         cells[2],
-        columns(4, [](const Model_view& view, double* to) { std::copy_n(view.K, 4, to); }),
-        views_.has_image_sizes
-            ? columns(2, [](const Model_view& view, double* to) { std::copy_n(view.image_size, 2, to); })
-            : zeros(0, 0),
+        created_cameras(),
+        columns(1, [](const Model_view& view, double* to) { *to = 1.0 + static_cast<double>(view.camera); }),
         created_warnings()};
     for (int i = 0; i < count; ++i) mxSetFieldByNumber(outputs[0], 0, i, fields[i]);
   }
@@ -48,18 +48,18 @@ class Views_answer final : public Answer {
 
   template <typename Put>
   mxArray* columns(std::size_t rows, const Put& put) const {
-    mxArray* matrix = zeros(rows, views_.views.size());
+    mxArray* matrix = created_matrix(rows, views_.views.size());
     for (std::size_t k = 0; k < views_.views.size(); ++k) put(views_.views[k], mxGetPr(matrix) + rows * k);
     return matrix;
   }
 
-  mxArray* cell() const { return mxCreateCellMatrix(1, static_cast<mwSize>(views_.views.size())); }
+  mxArray* cell() const { return created_cell(1, views_.views.size()); }
 
   /// Points, observations and ids of each view.
   void put_points(mxArray* const (&cells)[3]) const {
     for (std::size_t k = 0; k < views_.views.size(); ++k) {
       const std::size_t n = views_.views[k].num_points;
-      mxArray* const arrays[] = {zeros(3, n), zeros(2, n), zeros(1, n)};
+      mxArray* const arrays[] = {created_matrix(3, n), created_matrix(2, n), created_matrix(1, n)};
       views_.put_points(k, mxGetPr(arrays[0]), mxGetPr(arrays[1]), mxGetPr(arrays[2]));
       for (int i = 0; i < 3; ++i) mxSetCell(cells[i], static_cast<mwIndex>(k), arrays[i]);
     }
@@ -72,8 +72,15 @@ class Views_answer final : public Answer {
     return names;
   }
 
+  mxArray* created_cameras() const {
+    mxArray* cameras = created_cell(1, views_.cameras.size());
+    mwIndex k = 0;
+    for (const Pictured_camera& camera : views_.cameras) mxSetCell(cameras, k++, created_camera(camera));
+    return cameras;
+  }
+
   mxArray* created_warnings() const {
-    mxArray* cell = mxCreateCellMatrix(2, static_cast<mwSize>(views_.warnings.size() / 2));
+    mxArray* cell = created_cell(2, views_.warnings.size() / 2);
     mwIndex k = 0;
     for (const std::string& text : views_.warnings) mxSetCell(cell, k++, mxCreateString(text.c_str()));
     return cell;

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "mex_engine/answer.h"
+#include "mex_engine/host_camera.h"
 #include "pose_refinement/pose.h"
 
 namespace kelvane::mex_engine {
@@ -19,21 +20,20 @@ struct Model_view {
   double id = 0;
   Pose pose;
   std::size_t num_points = 0;
-  double K[4] = {1, 1, 0, 0};  ///< fx, fy, cx, cy
-  double image_size[2] = {0, 0};
+  std::size_t camera = 0;  ///< in Model_views::cameras
 };
 
 /// All of a file.
 struct Model_views {
+  std::vector<Pictured_camera> cameras;
   std::vector<Model_view> views;
-  bool has_image_sizes = false;
   std::vector<std::string> warnings;  ///< identifier without "kelvane:", sentence, identifier, ...
   /// Writes three, two and one number for each point of a view; neither throws nor calls the host.
   std::function<void(std::size_t view, double* points, double* observations, double* point_ids)> put_points;
 };
 
-/// As a struct of arrays, of which each has a column or an element for each view. matlab/private/view_problems.m takes
-/// it apart.
+/// As a struct of arrays, of which each has a column or an element for each view; `camera` counts in the cell `cameras`
+/// from 1. matlab/private/view_problems.m takes it apart.
 std::unique_ptr<Answer> answer_of(Model_views views);
 
 }  // namespace kelvane::mex_engine

@@ -2,6 +2,7 @@
 // views = kelvane_engine('read_colmap', folder, images)
 // views = kelvane_engine('read_bal', file)
 #include <algorithm>
+#include <cmath>
 #include <cstdint>
 #include <memory>
 #include <utility>
@@ -10,9 +11,7 @@
 #include "mex_engine/host_struct.h"
 #include "mex_engine/model_views.h"
 #include "mex_engine/sentence.h"
-#include "mex_engine/straightener.h"
 #include "model_files/bal_model.h"
-#include "model_files/camera_models.h"
 #include "model_files/colmap_model.h"
 #include "model_files/paths.h"
 
@@ -47,39 +46,73 @@ Pose camera_pose(const Colmap_pose& pose) {
                  Pose_frame::camera_from_world);
 }
 
-/// Whether it is one whose distortion can be removed: the first four of COLMAP's.
-bool put_camera(const Colmap_camera& camera, Model_view& view, double (&radial)[2]) {
-  const std::vector<double>& p = camera.parameters;
-  constexpr int last = 3;
-  if (camera.kind == unknown_camera_kind || camera.kind > last) return false;
-  const std::size_t num_focal = camera_kinds[camera.kind].num_focal_lengths == 2 ? 2 : 1;
-  const double K[] = {p[0], p[num_focal - 1], p[num_focal], p[num_focal + 1]};
-  std::copy_n(K, 4, view.K);
-  std::copy(p.begin() + static_cast<std::ptrdiff_t>(num_focal + 2), p.end(), radial);
-  view.image_size[0] = static_cast<double>(camera.width);
-  view.image_size[1] = static_cast<double>(camera.height);
-  return true;
+/// Of all that fold inside their pictures one warning, with the first in words.
+class Folded_cameras {
+ public:
+  /// subject() is what the sentence calls the camera.
+  template <typename Subject>
+  void add(const Lens& lens, const Subject& subject) {
+    if (count_++ == 0) sentence_ = fold_sentence(subject(), lens);
+  }
+
+  void warn(Model_views& views) {
+    if (count_ == 0) return;
+    if (count_ > 1) sentence_ += " " + text(count_) + " of " + text(views.cameras.size()) + " cameras do.";
+    views.warnings.insert(views.warnings.end(), {"fold", sentence_});
+  }
+
+ private:
+  std::size_t count_ = 0;
+  std::string sentence_;
+};
+
+/// COLMAP's model of a camera; null where it is none that is known here.
+const Lens_model* lens_model_of(const Colmap_camera& camera) {
+  for (const Lens_model& model : lens_models()) {
+    if (model.is_of_colmap && camera.model == model.name) return &model;
+  }
+  return nullptr;
 }
 
 std::string sentence_of_stopped(const Model_file& file, const Colmap_camera& camera) {
+  std::string names;
+  for (const Lens_model& model : lens_models()) {
+    if (model.is_of_colmap) names += (names.empty() ? "" : ", ") + std::string(model.name);
+  }
   return file.place(camera.offset) + ": camera " + text(camera.id) + " has the model " + shown(camera.model) +
-         ". Only SIMPLE_PINHOLE, PINHOLE, SIMPLE_RADIAL and RADIAL can be read; for the others let COLMAP undistort "
-         "the "
-         "images first (image_undistorter).";
+         ", which is none of " + names + ". Let COLMAP undistort its images first (image_undistorter).";
 }
 
-/// Its pixels without distortion, and those left out without a point.
-void straighten(Colmap_image& image, const double (&radial)[2], Model_view& view, std::vector<std::string>& warnings) {
-  Straightener straightener(view, radial);
-  for (std::size_t i = 0; i < image.points.size(); ++i) {
-    if (image.points[i] == Colmap_image::no_point) continue;
-    if (straightener.straighten(&image.pixels[2 * i])) {
-      ++view.num_points;
-    } else {
-      image.points[i] = Colmap_image::no_point;
+Pictured_camera pictured(const Lens_model& model, const Model_file& file, const Colmap_camera& camera) {
+  const auto width = static_cast<double>(camera.width);
+  const auto height = static_cast<double>(camera.height);
+  try {
+    const Lens lens = make_lens(model, camera.parameters);
+    return width > 0.0 && height > 0.0 ? Pictured_camera{lens, {width, height}} : Pictured_camera{lens};
+  } catch (const Bad_argument& error) {
+    file.fail(camera.offset, "camera " + text(camera.id) + ": " + error.what());
+  }
+}
+
+constexpr auto no_place = static_cast<std::size_t>(-1);
+
+/// The cameras of the chosen images, each once. Returns where each of the model's is among them.
+std::vector<std::size_t> take_cameras(const Model_file& file, const Colmap_model& model, Model_views& views) {
+  std::vector<std::size_t> places(model.cameras.size(), no_place);
+  Folded_cameras folded;
+  for (const Colmap_image& image : model.images) {
+    const Colmap_camera& camera = model.cameras[image.camera];
+    const Lens_model* lens_model = lens_model_of(camera);
+    if (!image.is_chosen || places[image.camera] != no_place || lens_model == nullptr) continue;
+    places[image.camera] = views.cameras.size();
+    views.cameras.push_back(pictured(*lens_model, file, camera));
+    const auto& [lens, size] = views.cameras.back();
+    if (size[0] > 0.0 && folds_inside(lens, size[0], size[1])) {
+      folded.add(lens, [&] { return file.place(camera.offset) + ": the lens of camera " + text(camera.id); });
     }
   }
-  straightener.warn(warnings);
+  folded.warn(views);
+  return places;
 }
 
 void put_image_points(const Colmap_model& model, const Colmap_image& image, double* points, double* pixels,
@@ -93,28 +126,28 @@ void put_image_points(const Colmap_model& model, const Colmap_image& image, doub
   }
 }
 
+Model_view view_of(const Colmap_image& image, std::size_t camera) {
+  const auto num_idle = std::count(image.points.begin(), image.points.end(), Colmap_image::no_point);
+  return {image.name, static_cast<double>(image.id), camera_pose(image.pose),
+          image.points.size() - static_cast<std::size_t>(num_idle), camera};
+}
+
 Model_views views_of(const Colmap_files& files, const Chosen_images& chosen) {
-  const auto model = std::make_shared<Colmap_model>(read_colmap(files, chosen));
+  const auto model = std::make_shared<const Colmap_model>(read_colmap(files, chosen));
   Model_views views;
-  views.has_image_sizes = true;
   for (const std::string& warning : model->warnings) views.warnings.insert(views.warnings.end(), {"count", warning});
+  const std::vector<std::size_t> places = take_cameras(*files.cameras, *model, views);
   std::vector<const Colmap_image*> images;
   std::size_t num_stopped = 0;
   std::string stopped;
-  for (Colmap_image& image : model->images) {
+  for (const Colmap_image& image : model->images) {
     if (!image.is_chosen) continue;
-    const Colmap_camera& camera = model->cameras[image.camera];
-    Model_view view;
-    double radial[2] = {0.0, 0.0};
-    if (!put_camera(camera, view, radial)) {
-      if (num_stopped++ == 0) stopped = sentence_of_stopped(*files.cameras, camera);
+    const std::size_t camera = places[image.camera];
+    if (camera == no_place) {
+      if (num_stopped++ == 0) stopped = sentence_of_stopped(*files.cameras, model->cameras[image.camera]);
       continue;
     }
-    view.name = image.name;
-    view.id = image.id;
-    view.pose = camera_pose(image.pose);
-    straighten(image, radial, view, views.warnings);
-    views.views.push_back(view);
+    views.views.push_back(view_of(image, camera));
     images.push_back(&image);
   }
   if (num_stopped > 0) {
@@ -128,54 +161,40 @@ Model_views views_of(const Colmap_files& files, const Chosen_images& chosen) {
   return views;
 }
 
-/// Its camera looks along -z with y up; ours along z with y down.
-Pose turned(const double (&camera)[6]) {
-  const Pose given = pose_of(Rotation_vector_pose{{camera[0], camera[1], camera[2]}, {camera[3], camera[4], camera[5]}},
-                             Pose_frame::camera_from_world);
-  Pose pose = given;
-  for (auto& row : pose.rotation) {
-    row[1] = -row[1];
-    row[2] = -row[2];
-  }
-  return pose;
+/// Whether the farthest of these pixels, which count from the middle of the picture, lies where it has no ray.
+bool folds_inside(const Lens& lens, const std::vector<const Bal_observation*>& seen) {
+  const auto radius = [](const Bal_observation* one) { return std::hypot(one->pixel[0], one->pixel[1]); };
+  const auto farthest =
+      std::max_element(seen.begin(), seen.end(), [&](auto* a, auto* b) { return radius(a) < radius(b); });
+  double direction[3];
+  return farthest != seen.end() && !unproject(lens, (*farthest)->pixel, direction);
 }
 
-/// The observations of each camera in their order, with pixels y down and without distortion.
-struct Bal_views {
-  Bal_model model;
-  std::vector<std::vector<Bal_observation>> seen;
-};
-
-Model_views views_of(Bal_model given) {
-  const auto bal = std::make_shared<Bal_views>();
-  bal->model = std::move(given);
-  bal->seen.resize(bal->model.cameras.size());
-  for (const Bal_observation& seen : bal->model.observations) bal->seen[seen.camera].push_back(seen);
+Model_views views_of(const Model_file& file) {
+  const auto model = std::make_shared<const Bal_model>(read_bal(file));
+  const std::size_t n = model->cameras.size();
+  std::vector<std::vector<const Bal_observation*>> seen(n);
+  for (const Bal_observation& one : model->observations) seen[one.camera].push_back(&one);
   Model_views views;
-  for (std::size_t k = 0; k < bal->model.cameras.size(); ++k) {
-    const auto& c = bal->model.cameras[k];
-    Model_view view;
-    view.name = "camera " + text(k);
-    view.id = static_cast<double>(k);
-    view.pose = turned({c[0], c[1], c[2], c[3], c[4], c[5]});
-    view.K[0] = view.K[1] = c[6];
-    Straightener straightener(view, {c[7], c[8]});
-    std::vector<Bal_observation>& own = bal->seen[k];
-    own.erase(std::remove_if(own.begin(), own.end(),
-                             [&](Bal_observation& seen) {
-                               seen.pixel[1] = -seen.pixel[1];
-                               return !straightener.straighten(seen.pixel);
-                             }),
-              own.end());
-    view.num_points = own.size();
-    straightener.warn(views.warnings);
-    views.views.push_back(view);
+  Folded_cameras folded;
+  for (std::size_t k = 0; k < n; ++k) {
+    const auto& c = model->cameras[k];
+    const std::string name = "camera " + text(k);
+    const Rotation_vector_pose pose{{c[0], c[1], c[2]}, {c[3], c[4], c[5]}};
+    views.views.push_back(
+        {name, static_cast<double>(k), pose_of(pose, Pose_frame::camera_from_world), seen[k].size(), k});
+    views.cameras.push_back({make_lens(lens_model("BAL"), {c[6], c[7], c[8]})});
+    const Lens& lens = views.cameras.back().lens;
+    if (folds_inside(lens, seen[k])) {
+      folded.add(lens, [&] { return file.place(model->pose_offsets[k]) + ": the lens of " + name; });
+    }
   }
-  views.put_points = [bal](std::size_t k, double* points, double* pixels, double* ids) {
-    for (const Bal_observation& seen : bal->seen[k]) {
-      points = std::copy_n(bal->model.points[seen.point].data(), 3, points);
-      pixels = std::copy_n(seen.pixel, 2, pixels);
-      *ids++ = seen.point;
+  folded.warn(views);
+  views.put_points = [model, seen = std::move(seen)](std::size_t k, double* points, double* pixels, double* ids) {
+    for (const Bal_observation* one : seen[k]) {
+      points = std::copy_n(model->points[one->point].data(), 3, points);
+      pixels = std::copy_n(one->pixel, 2, pixels);
+      *ids++ = one->point;
     }
   };
   return views;
@@ -189,7 +208,7 @@ std::unique_ptr<Answer> read_colmap_model(const Inputs& inputs) {
 }
 
 std::unique_ptr<Answer> read_bal_file(const Inputs& inputs) {
-  return answer_of(views_of(read_bal(Model_file(text_in(inputs[0], "file"), Model_file::Kind::text))));
+  return answer_of(views_of(Model_file(text_in(inputs[0], "file"), Model_file::Kind::text)));
 }
 
 }  // namespace kelvane::mex_engine

@@ -50,12 +50,7 @@ Colmap_pose colmap_pose_of(const Pose& pose) {
   return written;
 }
 
-/// In a file's camera, which looks along -z with y up.
-Bal_pose bal_pose_of(std::size_t camera, Pose pose) {
-  for (auto& row : pose.rotation) {
-    row[1] = -row[1];
-    row[2] = -row[2];
-  }
+Bal_pose bal_pose_of(std::size_t camera, const Pose& pose) {
   const Rotation_vector_pose given = rotation_vector_of(pose, Pose_frame::camera_from_world);
   Bal_pose written{camera, {}};
   std::copy(given.r.begin(), given.r.end(), written.numbers);

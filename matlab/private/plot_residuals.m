@@ -18,7 +18,8 @@ function drawn = plot_residuals(target, info, pose, rms, name)
     axis_names = {'u (pixels)', 'v (pixels)'};
     unit = 'pixels';
   end
-  set(target, 'ydir', 'reverse', 'box', 'on');
+  directions = {'reverse', 'normal'};
+  set(target, 'ydir', directions{1 + has_y_up(info.intrinsics)}, 'box', 'on');
   axis(target, 'equal');
   axis(target, box_around(observed));
   xlabel(target, axis_names{1});
@@ -34,6 +35,10 @@ function xy = in_picture(seen)
     degrees = atan2(across, seen(3, :)) * 180 / pi;
     xy = xy .* (degrees ./ max(across, realmin));
   end
+end
+
+function yes = has_y_up(intrinsics)
+  yes = isstruct(intrinsics) && strcmp(intrinsics.model, 'BAL');
 end
 
 function draw_right_angle(target, observed)

@@ -5,16 +5,10 @@ function problems = view_problems(views, form)
   for told = views.warnings
     warning(['kelvane:', told{1}], '%s', told{2});
   end
-  n = numel(views.name);
-  K = [1 0 0 0; 0 0 0 0; 0 0 0 0; 0 0 0 0; 0 1 0 0; 0 0 0 0; 0 0 1 0; 0 0 0 1; 0 0 0 0] * views.intrinsics;
-  K(9, :) = 1;
-  sizes = cell(1, n);
-  if ~isempty(views.image_size)
-    sizes = num2cell(views.image_size', 2)';
-  end
-  K = mat2cell(reshape(K, 3, 3 * n), 3, 3 * ones(1, n));
+  sizes = cellfun(@(camera) camera.image_size, views.cameras, 'UniformOutput', false);
   problems = struct('name', views.name, 'id', num2cell(views.id), 'start', starts_of(views.pose, form), ...
-                    'points', views.points, 'observations', views.observations, 'intrinsics', K, 'image_size', sizes, ...
+                    'points', views.points, 'observations', views.observations, ...
+                    'intrinsics', views.cameras(views.camera), 'image_size', sizes(views.camera), ...
                     'point_ids', views.point_ids);
 end
 

@@ -34,4 +34,4 @@
 %! removing = onCleanup(@() delete(file));
 %! write_text(file, sprintf('1 1\r\n1 0 0\r\n-30 40 0 0 0\r\n0 0 0 100 0 0 -3 4 -10\r\n'));
 %! problem = kelvane_read_bal(file);
-%! assert({problem.observations, problem.points}, {[-30; -40], [-3; 4; -10]});
+%! assert({problem.observations, problem.points}, {[-30; 40], [-3; 4; -10]});

@@ -1,5 +1,5 @@
 % SPDX-License-Identifier: BSD-3-Clause
-% kelvane_read_colmap on broken files, on lenses and on the models of the whole sets of measurements.
+% kelvane_read_colmap on broken files and on the models of the whole sets of measurements.
 
 %!function texts = good_texts()
 %!  texts.cameras = sprintf('# list\n1 SIMPLE_PINHOLE 640 480 500 320 240\n');
@@ -22,7 +22,10 @@
 
 %!test  % broken lines are told with their file and number; blank lines and comments count as lines
 %! cases = {
-%!   'cameras', sprintf('\n1 OPENCV 640 480 500 500 320 240 0 0 0 0\n'), 'cameras.txt, line 2, column 1: camera 1 has the model OPENCV. Only'
+%!   'cameras', sprintf('\n1 FISHEYE 640 480 500 500 320 240\n'), 'cameras.txt, line 2, column 1: camera 1 has the model FISHEYE, which is none of SIMPLE_PINHOLE, PINHOLE'
+%!   'cameras', sprintf('\n1 BAL 640 480 500 0 0\n'), 'cameras.txt, line 2, column 1: camera 1 has the model BAL, which is none of'
+%!   'cameras', '1 FOV 640 480 500 500 320 240 3.2', 'cameras.txt, line 1, column 1: camera 1: omega of FOV is 3.2; it must be from 0 to below pi.'
+%!   'cameras', '1 OPENCV 640 480 500 500 320 240 0', 'cameras.txt, line 1, column 35: a camera of model OPENCV has width, height and 8 parameters; here are 7 numbers.'
 %!   'cameras', '1', 'cameras.txt, line 1, column 2: camera 1 has no model.'
 %!   'cameras', 'one PINHOLE 1 1', 'cameras.txt, line 1, column 1: ''one'' is not a number.'
 %!   'cameras', '1 PINHOLE 640 480 500 320 240', 'cameras.txt, line 1, column 30: a camera of model PINHOLE has width, height and 4 parameters; here are 5 numbers.'
@@ -47,45 +50,6 @@
 %!   assert(strncmp(message, cases{k, 3}, numel(cases{k, 3})), [message, ' instead of ', cases{k, 3}]);
 %! end
 %! assert(message_with('cameras', good_texts().cameras), '');
-
-%!function [problem, text] = seen_through(camera, pixels)  % one image, each pixel with a point of its own
-%!  folder = tempname();
-%!  mkdir(folder);
-%!  confirm_recursive_rmdir(false, 'local');
-%!  removing = onCleanup(@() rmdir(folder, 's'));
-%!  n = size(pixels, 2);
-%!  write_text(fullfile(folder, 'cameras.txt'), camera);
-%!  write_text(fullfile(folder, 'images.txt'), sprintf('1 1 0 0 0 0 0 2 1 a.jpg\n%s\n', sprintf('%.17g %.17g %d ', [pixels; 1:n])));
-%!  write_text(fullfile(folder, 'points3D.txt'), sprintf('%d 1 2 3 0 0 0 0\n', 1:n));
-%!  text = evalc('problem = kelvane_read_colmap(folder);');
-%!endfunction
-
-%!test  % distortion is removed to the last digits: barrel, cushion, and coefficients of either sign
-%! [a, b] = meshgrid(linspace(-0.6, 0.6, 9), linspace(-0.45, 0.45, 7));
-%! x = [a(:)'; b(:)'];
-%! r2 = sum(x.^2);
-%! for k = [-0.2, 0.15, -0.5, 0.3, 0; 0, 0, 0.4, -0.2, 0.5]
-%!   pixels = 500 * x .* (1 + k(1) * r2 + k(2) * r2.^2) + [320; 240];
-%!   camera = sprintf('1 RADIAL 640 480 500 320 240 %.17g %.17g', k);
-%!   [problem, text] = seen_through(camera, pixels);
-%!   assert(problem.observations, 500 * x + [320; 240], 1e-10);
-%!   assert(isempty(text));
-%! end
-%! pixels = 500 * x .* (1 - 0.2 * r2) + [320; 240];
-%! problem = seen_through('1 SIMPLE_RADIAL 640 480 500 320 240 -0.2', pixels);
-%! assert(problem.observations, 500 * x + [320; 240], 1e-10);
-
-%!test  % what a lens cannot have seen is left out and told: with k = -1/3 the image ends at the radius 2/3
-%! camera = '1 SIMPLE_RADIAL 640 480 600 0 0 -0.33333333333333331';
-%! warning('off', 'kelvane:beyondLens', 'local');
-%! problem = seen_through(camera, [399 0 401; 0 0 0]);
-%! assert(problem.point_ids, [1, 2]);
-%! assert(problem.observations(:, 2), [0; 0]);
-%! r = problem.observations(1, 1) / 600;
-%! assert(r * (1 - r^2 / 3), 399 / 600, 1e-12);
-%! assert(r < 1 && size(problem.points, 2) == 2);
-%! warning('error', 'kelvane:beyondLens', 'local');
-%! fail('seen_through(camera, [399 0 401; 0 0 0])', 'a.jpg: 1 of 3 pixels lie beyond');
 
 %!function problems = shared_model(set)
 %!  problems = struct([]);

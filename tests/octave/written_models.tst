@@ -99,9 +99,10 @@
 %! evalc('problems = kelvane_read_colmap(model);');
 %! [message, identifier] = lastwarn();
 %! assert(identifier, 'kelvane:cameraModel');
-%! assert(message, [model, '/cameras.txt, line 2, column 1: camera 2 has the model FISHEYE. Only SIMPLE_PINHOLE, PINHOLE, ', ...
-%!                  'SIMPLE_RADIAL and RADIAL can be read; for the others let COLMAP undistort the images first ', ...
-%!                  '(image_undistorter). 2 of 4 images are left out.']);
+%! assert(message, [model, '/cameras.txt, line 2, column 1: camera 2 has the model FISHEYE, which is none of ', ...
+%!                  'SIMPLE_PINHOLE, PINHOLE, SIMPLE_RADIAL, RADIAL, OPENCV, FULL_OPENCV, OPENCV_FISHEYE, SIMPLE_RADIAL_FISHEYE, ', ...
+%!                  'RADIAL_FISHEYE, FOV, THIN_PRISM_FISHEYE. Let COLMAP undistort its images first (image_undistorter). ', ...
+%!                  '2 of 4 images are left out.']);
 %! assert({problems.name}, {'im1.jpg', 'im4.jpg'});
 %! assert({kelvane_read_colmap(model, 'Images', 'im4.jpg').name}, {'im4.jpg'});
 %! assert([kelvane_read_colmap(model, 'images', {'im4.jpg', 'im1.jpg'}).id], [1, 4]);
@@ -133,20 +134,21 @@
 %! for k = 1:2
 %!   pose = kelvane_pose(truth(k, :), 'rotation_vector', 'camera_from_world', 'matrix3x4', 'camera_from_world');
 %!   P = pose(:, 1:3) * points + pose(:, 4);
-%!   seen = [seen, [(k - 1) * ones(1, 30); 0:29; -700 * P(1:2, :) ./ P(3, :)]];
+%!   p = -P(1:2, :) ./ P(3, :);
+%!   seen = [seen, [(k - 1) * ones(1, 30); 0:29; 700 * p .* (1 - 0.2 * sum(p.^2) + 0.1 * sum(p.^2).^2)]];
 %! end
 %! head = [sprintf('2 30 60\n'), sprintf('%d %d %.17g %.17g\n', seen)];
 %! tail = sprintf('%.17g\n', points);
 %! starts = truth + 0.01;
-%! write_text(name, [head, sprintf('%.17g\n', [starts, [700 0 0; 700 0 0]]'), tail]);
+%! write_text(name, [head, sprintf('%.17g\n', [starts, [700 -0.2 0.1; 700 -0.2 0.1]]'), tail]);
 %! results = kelvane_batch(kelvane_read_bal(name), 'Progress', 'off');
 %! kelvane_write_bal(name, name, results(2));
 %! text = fileread(name);
 %! assert(text(1:numel(head)), head);
 %! assert(text(end - numel(tail) + 1:end), tail);
 %! cameras = reshape(str2double(strsplit(strtrim(text(numel(head) + 1:end - numel(tail))), "\n")), 9, 2);
-%! assert(cameras(:, 1), [starts(1, :), 700 0 0]');
-%! assert(cameras(:, 2), [truth(2, :), 700 0 0]', 1e-9);
+%! assert(cameras(:, 1), [starts(1, :), 700 -0.2 0.1]');
+%! assert(cameras(:, 2), [truth(2, :), 700 -0.2 0.1]', 1e-9);
 
 %!test  % a table where it cannot be written leaves no file
 %! fail('kelvane_write_csv(kelvane_batch({}), ''/no/such/folder/table.csv'')', 'there is no such folder');
