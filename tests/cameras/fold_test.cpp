@@ -97,6 +97,14 @@ TEST(Fold, OfATiltedSensorIsWhereItsDepthVanishes) {
   EXPECT_NEAR(lens.fold, 1.0 / std::tan(0.2), 1e-9);
 }
 
+TEST(Fold, IsInsideAPictureThatHasACornerBeyond) {
+  const Lens lens = make_lens(kelvane::lens_model("SIMPLE_RADIAL"), {300, 100, 75, -1.0 / 3.0});
+  EXPECT_NEAR(fold_in_pixels(lens), 200.0, 1e-9);
+  EXPECT_FALSE(folds_inside(lens, 285.0, 150.0));  // 185 to the right of the middle and 75 off it
+  EXPECT_TRUE(folds_inside(lens, 286.0, 150.0));
+  EXPECT_TRUE(folds_inside(lens, 150.0, 286.0));
+}
+
 TEST(Fold, OfAFisheyeIsNotBeyondPi) {
   const double pi = std::acos(-1.0);
   EXPECT_DOUBLE_EQ(largest_angle(make_lens(kelvane::lens_model("OPENCV_FISHEYE"), {1, 1, 0, 0, 0, 0, 0, 0})), pi);

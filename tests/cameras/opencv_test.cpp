@@ -111,4 +111,32 @@ TEST(Opencv, UndistortsToTheSameRaysWhereItConverges) {
   EXPECT_GT(num_converged, num_lenses * num_points / 3);
 }
 
+TEST(Opencv, UndistortsFisheyePixelsToTheSameRaysWhereItConverges) {
+  Random random(seed);
+  const cv::TermCriteria tight(cv::TermCriteria::COUNT | cv::TermCriteria::EPS, 500, 1e-15);
+  const auto& model = kelvane::lens_model("OPENCV_FISHEYE");
+  int num_converged = 0;
+  for (int i = 0; i < num_lenses; ++i) {
+    const Lens lens = make_lens(model, support::random_parameters(model, random));
+    for (const cv::Point3d& point : seen_points(lens, random)) {
+      std::vector<cv::Point2d> pixel(1);
+      std::vector<cv::Point2d> found;
+      project(lens, &point.x, &pixel[0].x);
+      cv::fisheye::undistortPoints(pixel, found, matrix_of(lens), opencv_coefficients(lens), cv::noArray(),
+                                   cv::noArray(), tight);
+      const double seen[3] = {found[0].x, found[0].y, 1.0};
+      double again[2];
+      project(lens, seen, again);
+      if (!(std::hypot(again[0] - pixel[0].x, again[1] - pixel[0].y) < 1e-9)) continue;
+      ++num_converged;
+      double direction[3];
+      ASSERT_TRUE(unproject(lens, &pixel[0].x, direction));
+      const double scale = 1.0 + found[0].x * found[0].x + found[0].y * found[0].y;  // of a tangent next to its angle
+      ASSERT_NEAR(direction[0] / direction[2], found[0].x, 1e-9 * scale);
+      ASSERT_NEAR(direction[1] / direction[2], found[0].y, 1e-9 * scale);
+    }
+  }
+  EXPECT_GT(num_converged, num_lenses * num_points / 3);
+}
+
 }  // namespace

@@ -101,6 +101,8 @@
 %! assert(isequal(kelvane_refine(scene.start, scene.points, pixels, camera), pose));
 %! assert(info.intrinsics.model, 'GENERAL_PERSPECTIVE');
 %! assert(info.residuals, pixels - kelvane_project(pose, scene.points, camera), 1e-9);
+%! message = message_of(@() kelvane_refine(scene.start, scene.points, pixels, fisheyeIntrinsics()));
+%! assert(strncmp(message, 'A fisheyeIntrinsics maps by a polynomial of its own', 51), message);
 
 %!test  % without the class there is a way out
 %! fail('kelvane_pose(eye(4), ''matrix4x4'', ''world_from_camera'', ''rigidtform3d'', ''world_from_camera'')', 'matrix4x4');
