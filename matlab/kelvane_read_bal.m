@@ -15,7 +15,8 @@
 %     intrinsics    its camera, the struct of kelvane_camera with the model 'BAL'
 %     image_size    [], which the file does not tell
 %     point_ids     1 x m, number of each point in the file, from 0
-%   Until version 0.1 poses were turned to look along z, v went down, observations were undistorted, and intrinsics a K.
+%   In version 0.1 cameras were turned to look along z with y down, observations were without distortion, and intrinsics
+%   3 x 3.
 %
 %   Example:
 %     bal = tempname();

@@ -23,8 +23,8 @@
 %     intrinsics    its camera, the struct of kelvane_camera, with its lens
 %     image_size    [width, height], pixels
 %     point_ids     1 x m, POINT3D_ID of each point
-%   Until version 0.1 observations were undistorted, and intrinsics a matrix K: now [K, ~] = kelvane_camera(intrinsics,
-%   'opencv'), of a camera that OpenCV has, and kelvane_undistort(observations, intrinsics).
+%   In version 0.1 observations were without distortion and intrinsics 3 x 3: kelvane_undistort(observations, intrinsics)
+%   and kelvane_camera(intrinsics, 'opencv') give these.
 %
 %   Example:
 %     folder = tempname();
