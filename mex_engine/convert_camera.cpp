@@ -49,7 +49,7 @@ class Camera_answer final : public Answer {
   }
 
   void write(int num_outputs, mxArray* outputs[]) const override {
-    outputs[0] = created_camera(camera_);
+    outputs[0] = created_cameras(&camera_, 1);
     if (num_outputs > 1) outputs[1] = mxCreateString(warning_.c_str());
   }
 

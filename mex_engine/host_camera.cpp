@@ -7,15 +7,18 @@
 
 namespace kelvane::mex_engine {
 
-mxArray* created_camera(const Pictured_camera& camera) {
+mxArray* created_cameras(const Pictured_camera* cameras, std::size_t n) {
   static const char* names[] = {"model", "parameters", "image_size", "fold"};
-  const Lens& lens = camera.lens;
-  const double angle = largest_angle(lens);
-  mxArray* created = mxCreateStructMatrix(1, 1, 4, names);
-  mxSetFieldByNumber(created, 0, 0, mxCreateString(lens.model->name));
-  mxSetFieldByNumber(created, 0, 1, created_row(lens.given, lens.model->num_parameters()));
-  mxSetFieldByNumber(created, 0, 2, created_row(camera.image_size, camera.image_size[0] > 0.0 ? 2 : 0));
-  mxSetFieldByNumber(created, 0, 3, created_row(&angle, 1));
+  mxArray* created = mxCreateStructMatrix(1, static_cast<mwSize>(n), 4, names);
+  for (std::size_t i = 0; i < n; ++i) {
+    const auto& [lens, size] = cameras[i];
+    const auto k = static_cast<mwIndex>(i);
+    const double angle = largest_angle(lens);
+    mxSetFieldByNumber(created, k, 0, mxCreateString(lens.model->name));
+    mxSetFieldByNumber(created, k, 1, created_row(lens.given, lens.model->num_parameters()));
+    mxSetFieldByNumber(created, k, 2, created_row(size, size[0] > 0.0 ? 2 : 0));
+    mxSetFieldByNumber(created, k, 3, created_row(&angle, 1));
+  }
   return created;
 }
 

@@ -4,6 +4,7 @@
 
 #include <mex.h>
 
+#include <cstddef>
 #include <string>
 
 #include "cameras/lens.h"
@@ -16,8 +17,8 @@ struct Pictured_camera {
   double image_size[2] = {0, 0};  ///< [width height], pixels; 0 where it is not known
 };
 
-/// The struct of kelvane_camera. Owns nothing: the host's functions may throw or jump.
-mxArray* created_camera(const Pictured_camera& camera);
+/// Structs of kelvane_camera, 1 x n. Owns nothing: the host's functions may throw or jump.
+mxArray* created_cameras(const Pictured_camera* cameras, std::size_t n);
 
 /// From where on a lens that folds inside its picture sees nothing. The subject is what the sentence calls it.
 std::string fold_sentence(const std::string& subject, const Lens& lens);

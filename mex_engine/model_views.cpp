@@ -13,10 +13,6 @@ namespace {
 constexpr const char* view_fields[] = {"name",      "id",      "pose",   "points",  "observations",
                                        "point_ids", "cameras", "camera", "warnings"};
 
-mxArray* created_cell(std::size_t rows, std::size_t columns) {
-  return mxCreateCellMatrix(static_cast<mwSize>(rows), static_cast<mwSize>(columns));
-}
-
 class Views_answer final : public Answer {
  public:
   explicit Views_answer(Model_views views) : views_(std::move(views)) {}
@@ -33,7 +29,7 @@ class Views_answer final : public Answer {
         cells[0],
         cells[1],
         cells[2],
-        created_cameras(),
+        created_cameras(views_.cameras.data(), views_.cameras.size()),
         columns(1, [](const Model_view& view, double* to) { *to = 1.0 + static_cast<double>(view.camera); }),
         created_warnings()};
     for (int i = 0; i < count; ++i) mxSetFieldByNumber(outputs[0], 0, i, fields[i]);
@@ -53,7 +49,7 @@ class Views_answer final : public Answer {
     return matrix;
   }
 
-  mxArray* cell() const { return created_cell(1, views_.views.size()); }
+  mxArray* cell() const { return mxCreateCellMatrix(1, static_cast<mwSize>(views_.views.size())); }
 
   /// Points, observations and ids of each view.
   void put_points(mxArray* const (&cells)[3]) const {
@@ -72,15 +68,8 @@ class Views_answer final : public Answer {
     return names;
   }
 
-  mxArray* created_cameras() const {
-    mxArray* cameras = created_cell(1, views_.cameras.size());
-    mwIndex k = 0;
-    for (const Pictured_camera& camera : views_.cameras) mxSetCell(cameras, k++, created_camera(camera));
-    return cameras;
-  }
-
   mxArray* created_warnings() const {
-    mxArray* cell = created_cell(2, views_.warnings.size() / 2);
+    mxArray* cell = mxCreateCellMatrix(2, static_cast<mwSize>(views_.warnings.size() / 2));
     mwIndex k = 0;
     for (const std::string& text : views_.warnings) mxSetCell(cell, k++, mxCreateString(text.c_str()));
     return cell;

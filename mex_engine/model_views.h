@@ -32,8 +32,8 @@ struct Model_views {
   std::function<void(std::size_t view, double* points, double* observations, double* point_ids)> put_points;
 };
 
-/// As a struct of arrays, of which each has a column or an element for each view; `camera` counts in the cell `cameras`
-/// from 1. matlab/private/view_problems.m takes it apart.
+/// As a struct of arrays, of which each has a column or an element for each view; `camera` counts from 1 in the
+/// structs `cameras`. matlab/private/view_problems.m takes it apart.
 std::unique_ptr<Answer> answer_of(Model_views views);
 
 }  // namespace kelvane::mex_engine

@@ -67,7 +67,10 @@ mxArray* columns_or_null(const Columns& columns) {
 mxArray* camera_or_null(const Host_problem& problem) {
   const Camera_model& camera = problem.problem().camera;
   if (camera.sees_directions || (camera.lens.has_value() && problem.has_camera_struct())) return nullptr;
-  if (camera.lens.has_value()) return created_camera({*camera.lens});
+  if (camera.lens.has_value()) {
+    const Pictured_camera pictured{*camera.lens};
+    return created_cameras(&pictured, 1);
+  }
   mxArray* K = created_matrix(3, 3);
   const double columns[] = {camera.fx, 0.0, 0.0, camera.skew, camera.fy, 0.0, camera.cx, camera.cy, 1.0};
   std::copy(std::begin(columns), std::end(columns), mxGetPr(K));

@@ -5,10 +5,11 @@ function problems = view_problems(views, form)
   for told = views.warnings
     warning(['kelvane:', told{1}], '%s', told{2});
   end
-  sizes = cellfun(@(camera) camera.image_size, views.cameras, 'UniformOutput', false);
+  cameras = num2cell(views.cameras);
+  sizes = {views.cameras.image_size};
   problems = struct('name', views.name, 'id', num2cell(views.id), 'start', starts_of(views.pose, form), ...
                     'points', views.points, 'observations', views.observations, ...
-                    'intrinsics', views.cameras(views.camera), 'image_size', sizes(views.camera), ...
+                    'intrinsics', cameras(views.camera), 'image_size', sizes(views.camera), ...
                     'point_ids', views.point_ids);
 end
 

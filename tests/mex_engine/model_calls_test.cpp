@@ -77,7 +77,7 @@ TEST_F(ModelCalls, HandOverTheChosenImage) {
   const mxArray& views = *result.output;
   EXPECT_EQ(field(views, "id").values, (std::vector<double>{3}));
   EXPECT_EQ(field(views, "camera").values, (std::vector<double>{1}));
-  const mxArray& camera = field(views, "cameras").elements.at(0).at(0);
+  const mxArray& camera = field(views, "cameras");
   EXPECT_EQ(field(camera, "parameters").values, (std::vector<double>{500, 320, 240}));
   EXPECT_EQ(field(camera, "image_size").values, (std::vector<double>{640, 480}));
   EXPECT_EQ(field(views, "points").elements.at(0).at(0).values, (std::vector<double>{4, 5, 6, 1, 2, 3}));
