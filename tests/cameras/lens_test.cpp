@@ -30,15 +30,7 @@ class LensOfModel : public testing::TestWithParam<Lens_model> {
   Random random_{seed};
 };
 
-std::string name_of_model(const testing::TestParamInfo<Lens_model>& info) {
-  std::string name;
-  for (const char* c = info.param.name; *c != '\0'; ++c) {
-    if (*c != '_') name.push_back(*c);
-  }
-  return name;
-}
-
-INSTANTIATE_TEST_SUITE_P(All, LensOfModel, testing::ValuesIn(kelvane::lens_models()), name_of_model);
+INSTANTIATE_TEST_SUITE_P(All, LensOfModel, testing::ValuesIn(kelvane::lens_models()), support::name_of_model);
 
 std::vector<double> given(const Lens& lens) { return {lens.given, lens.given + lens.model->num_parameters()}; }
 

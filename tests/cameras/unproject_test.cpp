@@ -18,13 +18,7 @@ constexpr std::uint64_t seed = 18002;
 
 class UnprojectOfModel : public testing::TestWithParam<Lens_model> {};
 
-std::string name_of_model(const testing::TestParamInfo<Lens_model>& info) {
-  std::string name = info.param.name;
-  name.erase(std::remove(name.begin(), name.end(), '_'), name.end());
-  return name;
-}
-
-INSTANTIATE_TEST_SUITE_P(All, UnprojectOfModel, testing::ValuesIn(kelvane::lens_models()), name_of_model);
+INSTANTIATE_TEST_SUITE_P(All, UnprojectOfModel, testing::ValuesIn(kelvane::lens_models()), support::name_of_model);
 
 double distance(const double* a, const double* b, int n) {
   double most = 0.0;

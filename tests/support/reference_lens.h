@@ -2,6 +2,9 @@
 // Every camera model as its source writes it down, one by one, in numbers of any kind; and random cameras.
 #pragma once
 
+#include <gtest/gtest.h>
+
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstddef>
@@ -163,6 +166,13 @@ inline std::array<double, 3> seen_direction(const kelvane::Lens& lens, Random& r
   const double angle = part * most * std::sqrt(random.uniform(0.0, 1.0));
   const double turn = random.uniform(-3.2, 3.2);
   return {std::sin(angle) * std::cos(turn), std::sin(angle) * std::sin(turn), lens.forward * std::cos(angle)};
+}
+
+/// Without its underscores, which GoogleTest has for itself.
+inline std::string name_of_model(const testing::TestParamInfo<kelvane::Lens_model>& info) {
+  std::string name = info.param.name;
+  name.erase(std::remove(name.begin(), name.end(), '_'), name.end());
+  return name;
 }
 
 }  // namespace support
