@@ -99,7 +99,11 @@ end
 function K = matrix_of(intrinsics, num_rows)
   K = [];
   if num_rows == 2
-    [K, coefficients, kind] = call_engine('camera_as', intrinsics, 'opencv');
+    coefficients = 1;
+    try
+      [K, coefficients, kind] = call_engine('camera_as', intrinsics, 'opencv');
+    catch  % BAL's camera and fields of view are none of OpenCV's
+    end
     if any(coefficients) || strcmp(kind, 'fisheye')
       error('kelvane:intrinsics', 'kelvane_mex knows no lens: there is no such derivative to check.');
     end
@@ -261,6 +265,7 @@ end
 %!error <The points are too far from the camera> kelvane_check_gradient(some_pose(), 1e200 * some_points(), [500 0 0])
 %!error <knows no lens> kelvane_check_gradient(some_pose(), some_points(), kelvane_camera([500 320 240], [0.1 0 0 0]))
 %!error <knows no lens> kelvane_check_gradient(some_pose(), some_points(), kelvane_camera([500 320 240], [0 0 0 0], 'fisheye'))
+%!error <knows no lens> kelvane_check_gradient(some_pose(), some_points(), kelvane_camera('FOV', [500 500 320 240 0.5]))
 %!error <Four points are the least for every type; there are 3> kelvane_check_gradient(some_pose(), eye(3), [500 0 0])
 %!error <Four points are the least for every type; there is 1> kelvane_check_gradient(some_pose(), [1; 2; 3], [500 0 0])
 %!error <one focal length and no skew> kelvane_check_gradient(some_pose(), some_points(), [5 0 0; 0 6 0; 0 0 1])
