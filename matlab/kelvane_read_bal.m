@@ -9,7 +9,7 @@
 %   problems is a 1 x n struct array, in the order of the file, as kelvane_batch takes it, with the fields
 %     name          'camera 0' for the first
 %     id            number of the camera in the file, from 0
-%     start         its pose, the struct of kelvane_pose
+%     start         its pose, the struct of kelvane_pose; the file has its 'rotation_vector' in 'camera_from_world'
 %     points        3 x m world points that it observes, in the file's unit
 %     observations  2 x m pixels as they are in the file: u to the right and v up, from the middle of the image
 %     intrinsics    its camera, the struct of kelvane_camera with the model 'BAL'
@@ -39,7 +39,7 @@ function problems = kelvane_read_bal(file)
   if nargin < 1
     error('kelvane:inputs', 'kelvane_read_bal needs the name of a file.');
   end
-  problems = view_problems(call_engine('read_bal', file_name(file, 'file')), 'matrix3x4');
+  problems = view_problems(call_engine('read_bal', file_name(file, 'file')), 'rotation_vector');
 end
 
 %!error <needs the name of a file> kelvane_read_bal()
@@ -67,6 +67,7 @@ end
 %! assert({problems.name}, {'camera 0', 'camera 1'});
 %! assert(problems(2).point_ids, 0:19);
 %! assert(problems(2).intrinsics, kelvane_camera('BAL', camera(7:9)));
+%! assert(kelvane_pose(problems(2).start, 'rotation_vector', 'camera_from_world'), camera(1:6), 1e-14);
 %! assert(problems(2).observations, p);
 %! [seen, ~, depth] = kelvane_project(problems(2).start, problems(2).points, problems(2).intrinsics);
 %! assert(all(depth > 0));

@@ -7,7 +7,8 @@
 %     name                             of the problem, in double quotes where it holds a comma, a quote or a line end
 %     exitflag, rms_before, rms_after  as in results
 %     num_points, num_inliers          how many
-%     qw, qx, qy, qz, tx, ty, tz       pose as COLMAP writes it: camera from world, unit quaternion, scalar first
+%     qw, qx, qy, qz, tx, ty, tz       pose as COLMAP writes it: camera from world, unit quaternion, scalar first; of
+%                                      BAL's cameras in their own frame, which looks along -z
 %     cx, cy, cz                       camera centre, world unit
 %     sigma_wx, sigma_wy, sigma_wz     standard deviations of the rotation: about the axes of the camera, radians
 %     sigma_cx, sigma_cy, sigma_cz     of the centre, world unit
