@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "support/motions.h"
 #include "support/refined_problems.h"
 
 namespace {
@@ -28,36 +29,6 @@ struct Case {
   bool has_covariances, has_prior;
   std::vector<double> fixed;
 };
-
-/// exp [w]x behind the rotation, and dt.
-Pose moved_by_error(const Pose& pose, const std::vector<double>& e) {
-  const Pose turn = support::pose_at({e[0], e[1], e[2]}, {0, 0, 0});
-  Pose moved;
-  for (int i = 0; i < 3; ++i) {
-    moved.centre[i] = pose.centre[i] + e[static_cast<std::size_t>(3 + i)];
-    for (int j = 0; j < 3; ++j) {
-      moved.rotation[i][j] = 0.0;
-      for (int k = 0; k < 3; ++k) moved.rotation[i][j] += pose.rotation[i][k] * turn.rotation[k][j];
-    }
-  }
-  return moved;
-}
-
-/// [w; dt] of a pose from the true one.
-std::vector<double> error_of(const Pose& pose) {
-  const Pose& truth = support::pose_of_scene;
-  Pose turn;
-  for (int i = 0; i < 3; ++i) {
-    for (int j = 0; j < 3; ++j) {
-      turn.rotation[i][j] = 0.0;
-      for (int k = 0; k < 3; ++k) turn.rotation[i][j] += truth.rotation[k][i] * pose.rotation[k][j];
-    }
-  }
-  const auto w = rotation_vector_of(turn, kelvane::Pose_frame::world_from_camera).r;
-  std::vector<double> error(w.begin(), w.end());
-  for (int i = 0; i < 3; ++i) error.push_back(pose.centre[i] - truth.centre[i]);
-  return error;
-}
 
 /// L with the noise L n, its first d rows and columns; n of unit size.
 std::vector<double> noise_root(support::Random& random, std::size_t d, double size) {
@@ -87,6 +58,14 @@ std::vector<double> drawn(const std::vector<double>& L, std::size_t d, support::
     for (std::size_t j = 0; j < d; ++j) noise[i] += L[d * i + j] * n[j];
   }
   return noise;
+}
+
+/// From which the truth can be reached.
+Pose start_for(const std::vector<double>& fixed) {
+  support::Motion x = {0.5, 0.2, -0.4, 0.3, -0.2, 0.4};
+  support::remove_parts(fixed, x);
+  for (double& entry : x) entry = -entry;
+  return support::moved_in_world(support::pose_of_scene, x);
 }
 
 class KnownCovariance : public testing::TestWithParam<Case> {};
@@ -122,17 +101,17 @@ TEST_P(KnownCovariance, IsTheScatterOfRefinements) {
       const std::vector<double> noise = drawn(roots[i], d, random);
       for (std::size_t k = 0; k < d; ++k) problem.observations[d * i + k] += noise[k];
     }
-    problem.start = support::pose_of_scene;
+    problem.start = start_for(given.fixed);
     kelvane::Refine_problem view = problem.view();
     if (given.has_covariances) view.covariances = covariances;
     if (given.has_prior) {
-      view.prior.pose = moved_by_error(support::pose_of_scene, drawn(prior_root, 6, random));
+      view.prior.pose = support::moved_by_error(support::pose_of_scene, drawn(prior_root, 6, random));
       view.prior.covariance = of_prior;
     }
     view.fixed = given.fixed;
     const Refine_result result = refine(view, options);
     ASSERT_GT(static_cast<int>(result.exit), 0) << result.message;
-    const std::vector<double> error = error_of(result.pose);
+    const std::vector<double> error = support::error_between(support::pose_of_scene, result.pose);
     for (std::size_t i = 0; i < 6; ++i) {
       for (std::size_t j = 0; j < 6; ++j) {
         scatter[i][j] += error[i] * error[j] / num_rounds;
@@ -154,32 +133,25 @@ TEST_P(KnownCovariance, IsTheScatterOfRefinements) {
   }
 }
 
-std::vector<double> axes(const std::vector<std::size_t>& which) {
-  std::vector<double> fixed(6 * which.size(), 0.0);
-  for (std::size_t k = 0; k < which.size(); ++k) fixed[6 * k + which[k]] = 1.0;
-  return fixed;
-}
-
-const std::vector<double> oblique = {0.3, -1, 0.5, 0.2, 0.1, 0, 0, 0.4, 0.1, 1, -0.5, 0.3};
-
-INSTANTIATE_TEST_SUITE_P(All, KnownCovariance,
-                         testing::Values(Case{"PixelCovariances", false, Loss::none, true, false, {}},
-                                         Case{"PixelCovariancesHuber", false, Loss::huber, true, false, {}},
-                                         Case{"DirectionCovariances", true, Loss::none, true, false, {}},
-                                         Case{"DirectionCovariancesTukey", true, Loss::tukey, true, false, {}},
-                                         Case{"Prior", false, Loss::none, false, true, {}},
-                                         Case{"PriorHuber", false, Loss::huber, false, true, {}},
-                                         Case{"PriorOfDirections", true, Loss::none, false, true, {}},
-                                         Case{"PriorAndCovariancesCauchy", false, Loss::cauchy, true, true, {}},
-                                         Case{"CentreFixed", false, Loss::none, false, false, axes({3, 4, 5})},
-                                         Case{"HeightFixed", false, Loss::huber, false, false, axes({5})},
-                                         Case{"GravityFixed", false, Loss::none, true, false, axes({0, 1})},
-                                         Case{"RotationFixedOfDirections", true, Loss::none, false, false,
-                                              axes({0, 1, 2})},
-                                         Case{"PriorTukeyOfDirections", true, Loss::tukey, false, true, {}},
-                                         Case{"PriorHuberWithSomeFixed", false, Loss::huber, true, true, oblique},
-                                         Case{"TukeyCentreFixed", false, Loss::tukey, true, false, axes({3, 4, 5})},
-                                         Case{"PriorWithSomeFixed", false, Loss::none, true, true, oblique}),
-                         [](const auto& one) { return one.param.name; });
+INSTANTIATE_TEST_SUITE_P(
+    All, KnownCovariance,
+    testing::Values(Case{"PixelCovariances", false, Loss::none, true, false, {}},
+                    Case{"PixelCovariancesHuber", false, Loss::huber, true, false, {}},
+                    Case{"DirectionCovariances", true, Loss::none, true, false, {}},
+                    Case{"DirectionCovariancesTukey", true, Loss::tukey, true, false, {}},
+                    Case{"Prior", false, Loss::none, false, true, {}},
+                    Case{"PriorHuber", false, Loss::huber, false, true, {}},
+                    Case{"PriorOfDirections", true, Loss::none, false, true, {}},
+                    Case{"PriorAndCovariancesCauchy", false, Loss::cauchy, true, true, {}},
+                    Case{"CentreFixed", false, Loss::none, false, false, support::axes({3, 4, 5})},
+                    Case{"HeightFixed", false, Loss::huber, false, false, support::axes({5})},
+                    Case{"GravityFixed", false, Loss::none, true, false, support::axes({0, 1})},
+                    Case{"RotationFixedOfDirections", true, Loss::none, false, false, support::axes({0, 1, 2})},
+                    Case{"PriorTukeyOfDirections", true, Loss::tukey, false, true, {}},
+                    Case{"PriorCauchyOfDirectionsWithSomeFixed", true, Loss::cauchy, false, true, support::oblique},
+                    Case{"PriorHuberWithSomeFixed", false, Loss::huber, true, true, support::oblique},
+                    Case{"TukeyCentreFixed", false, Loss::tukey, true, false, support::axes({3, 4, 5})},
+                    Case{"PriorWithSomeFixed", false, Loss::none, true, true, support::oblique}),
+    [](const auto& one) { return one.param.name; });
 
 }  // namespace

@@ -1,14 +1,10 @@
 // SPDX-License-Identifier: BSD-3-Clause
-// What is known beside the pixels: covariances of observations, a prior of the pose, fixed directions.
+// What is known beside the pixels: covariances of observations, a prior of the pose.
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <cstddef>
-#include <limits>
-#include <stdexcept>
-#include <string>
 #include <vector>
 
 #include "pose_refinement/motion.h"
@@ -199,159 +195,6 @@ TEST(Prior, IsAveragedByInformation) {
   constexpr double quadrature = 1e-5;  // over what normal noise does
   EXPECT_NEAR(found.covariance[1][1] * (1 / 4e-14 + 1 / 1e-14), 1.0, quadrature);
   EXPECT_NEAR(found.covariance[2][2] / 1e-14, 1.0, quadrature);
-}
-
-/// Six numbers for each direction.
-std::vector<double> axes(const std::vector<int>& which) {
-  std::vector<double> fixed;
-  for (const int axis : which) {
-    std::vector<double> one(6, 0.0);
-    one[static_cast<std::size_t>(axis)] = 1.0;
-    fixed.insert(fixed.end(), one.begin(), one.end());
-  }
-  return fixed;
-}
-
-TEST_P(EitherKind, FixedDirectionsStayAsTheyAre) {
-  const Refined_problem problem = scene();
-  const std::vector<std::vector<int>> cases = {{5}, {0, 1}, {3, 4, 5}, {0, 1, 2}, {0, 1, 5}, {2}, {0, 1, 2, 3, 4}};
-  for (const std::vector<int>& which : cases) {
-    SCOPED_TRACE(testing::PrintToString(which));
-    const std::vector<double> fixed = axes(which);
-    Refine_problem some = problem.view();
-    some.fixed = fixed;
-    const Refine_result found = refine(some);
-    ASSERT_GT(static_cast<int>(found.exit), 0) << found.message;
-    EXPECT_LT(found.after.robust, found.before.robust);
-    for (const int axis : which) {
-      if (axis < 3) continue;
-      EXPECT_EQ(found.pose.centre[axis - 3], problem.start.centre[axis - 3]);
-      for (int j = 0; j < 6; ++j) EXPECT_EQ(found.covariance[axis][j], 0.0);
-    }
-    if (which[0] == 0 && which.size() == 2) {  // gravity: the world's z seen by the camera
-      for (int j = 0; j < 3; ++j) EXPECT_NEAR(found.pose.rotation[2][j], problem.start.rotation[2][j], 1e-15);
-    }
-    if (which.size() >= 3 && which[2] == 2) {
-      EXPECT_LT(angle_between(found.pose, problem.start), 1e-15);  // of the rotation next to the start
-    }
-  }
-}
-
-/// exp [w]x R, t + dt
-Pose moved_in_world(const Pose& start, const std::vector<double>& x) {
-  const Pose turn = support::pose_at({x[0], x[1], x[2]}, {0, 0, 0});
-  Pose pose;
-  for (int i = 0; i < 3; ++i) {
-    pose.centre[i] = start.centre[i] + x[static_cast<std::size_t>(3 + i)];
-    for (int j = 0; j < 3; ++j) {
-      pose.rotation[i][j] = 0.0;
-      for (int k = 0; k < 3; ++k) pose.rotation[i][j] += turn.rotation[i][k] * start.rotation[k][j];
-    }
-  }
-  return pose;
-}
-
-/// The [w; dt] that leads from one pose to another.
-std::vector<double> motion_between(const Pose& from, const Pose& to) {
-  Pose turn;
-  for (int i = 0; i < 3; ++i) {
-    for (int j = 0; j < 3; ++j) {
-      turn.rotation[i][j] = 0.0;
-      for (int k = 0; k < 3; ++k) turn.rotation[i][j] += to.rotation[i][k] * from.rotation[j][k];
-    }
-  }
-  const auto w = rotation_vector_of(turn, kelvane::Pose_frame::world_from_camera).r;
-  return {
-      w[0], w[1], w[2], to.centre[0] - from.centre[0], to.centre[1] - from.centre[1], to.centre[2] - from.centre[2]};
-}
-
-double dot(const double* a, const double* b) {
-  double sum = 0.0;
-  for (int i = 0; i < 6; ++i) sum += a[i] * b[i];
-  return sum;
-}
-
-/// Two directions of six fixed, which are none of the axes: the pose stays on the exponential of what is across, and
-/// there the cost is least.
-TEST_P(EitherKind, WhatIsFreeIsAtItsLeast) {
-  const Refined_problem problem = scene();
-  const std::vector<double> fixed = {0.3, -1, 0.5, 0.2, 0.1, 0, 0, 0.4, 0.1, 1, -0.5, 0.3};
-  Refine_problem some = problem.view();
-  some.fixed = fixed;
-  const Refine_result found = refine(some);
-  ASSERT_GT(static_cast<int>(found.exit), 0) << found.message;
-  const std::vector<double> x = motion_between(problem.start, found.pose);
-  EXPECT_GT(dot(x.data(), x.data()), 1e-3);
-  EXPECT_NEAR(dot(x.data(), &fixed[0]), 0.0, 1e-14);
-  EXPECT_NEAR(dot(x.data(), &fixed[6]), 0.0, 1e-14);
-  kelvane::Refine_options still;
-  still.max_iterations = 0;
-  const auto cost_at = [&](const std::vector<double>& motion) {
-    Refine_problem there = problem.view();
-    there.start = moved_in_world(problem.start, motion);
-    return std::pow(refine(there, still).before.robust, 2);
-  };
-  support::Random random(10);
-  const double size = dot(&fixed[0], &fixed[0]);
-  std::vector<double> second(fixed.begin() + 6, fixed.end());  // across the first
-  for (std::size_t i = 0; i < 6; ++i) second[i] -= dot(&fixed[6], &fixed[0]) / size * fixed[i];
-  for (int round = 0; round < 8; ++round) {
-    std::vector<double> s = random.vector_in_cube(6, 1.0);
-    for (const double* f : {&fixed[0], static_cast<const double*>(second.data())}) {
-      const double part = dot(s.data(), f) / dot(f, f);
-      for (std::size_t i = 0; i < 6; ++i) s[i] -= part * f[i];
-    }
-    const double step = 1e-4;
-    std::vector<double> sides[2] = {x, x};
-    for (std::size_t i = 0; i < 6; ++i) {
-      sides[0][i] += step * s[i];
-      sides[1][i] -= step * s[i];
-    }
-    const double first = cost_at(sides[0]);
-    const double other = cost_at(sides[1]);
-    const double bend = first + other - 2.0 * cost_at(x);
-    EXPECT_GT(bend, 0.0);
-    EXPECT_LT(std::abs(first - other), 5e-3 * bend) << round;
-  }
-}
-
-TEST(Fixed, OfAllDirectionsIsRefused) {
-  support::Random random(9);
-  const Refined_problem problem = support::random_scene(random, 10, false, 1.0);
-  const std::vector<double> all = axes({0, 1, 2, 3, 4, 5});
-  Refine_problem some = problem.view();
-  some.fixed = all;
-  EXPECT_THROW(refine(some), std::invalid_argument);
-}
-
-/// The words of C++ are axes.
-TEST(Fixed, HasNamesForTheUsualDirections) {
-  EXPECT_EQ(kelvane::fixed_rotation, axes({0, 1, 2}));
-  EXPECT_EQ(kelvane::fixed_gravity, axes({0, 1}));
-  EXPECT_EQ(kelvane::fixed_centre, axes({3, 4, 5}));
-  EXPECT_EQ(kelvane::fixed_height, axes({5}));
-}
-
-/// The noise that is told does not depend on how many directions are free.
-TEST(Fixed, LeavesTheNoiseAsItIs) {
-  for (const std::vector<int>& which : {std::vector<int>{}, {3, 4, 5}, {0, 1, 2, 3, 4}}) {
-    for (const kelvane::Loss loss : {kelvane::Loss::none, kelvane::Loss::huber}) {
-      support::Random random(12);
-      kelvane::Refine_options options;
-      options.loss = loss;
-      double square = 0.0;
-      constexpr int num_rounds = 2000;
-      for (int round = 0; round < num_rounds; ++round) {
-        Refined_problem problem = support::random_scene(random, 12, false, 1.0);
-        problem.start = support::pose_of_scene;
-        const std::vector<double> fixed = axes(which);
-        Refine_problem some = problem.view();
-        some.fixed = fixed;
-        square += std::pow(refine(some, options).noise_sigma, 2) / num_rounds;
-      }
-      EXPECT_NEAR(std::sqrt(square), 1.0, loss == kelvane::Loss::none ? 0.02 : 0.05) << which.size();
-    }
-  }
 }
 
 }  // namespace
