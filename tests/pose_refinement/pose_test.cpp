@@ -11,20 +11,16 @@
 #include "pose_refinement/camera_model.h"
 #include "support/cases.h"
 #include "support/matchers.h"
+#include "support/refined_problems.h"
 #include "support/tolerance.h"
 
 namespace {
 
 using kelvane::Pose;
 using kelvane::Pose_frame;
+using support::numbers_of;
 
 constexpr Pose_frame both_frames[] = {Pose_frame::world_from_camera, Pose_frame::camera_from_world};
-
-std::vector<double> numbers_of(const Pose& pose) {
-  std::vector<double> all(&pose.rotation[0][0], &pose.rotation[0][0] + 9);
-  all.insert(all.end(), pose.centre, pose.centre + 3);
-  return all;
-}
 
 TEST(Pose, ComesBackFromEveryForm) {
   for (std::uint64_t number = 0; number < 400; ++number) {

@@ -20,22 +20,12 @@ using kelvane::Loss;
 using kelvane::Refine_exit;
 using kelvane::Refine_options;
 using kelvane::Refine_result;
+using support::numbers_of;
 using support::Refined_problem;
 
-constexpr double nan = NAN;
 constexpr Loss all_losses[] = {Loss::none, Loss::huber, Loss::cauchy, Loss::tukey};
 
-std::vector<double> numbers_of(const kelvane::Pose& pose) {
-  std::vector<double> all(&pose.rotation[0][0], &pose.rotation[0][0] + 9);
-  all.insert(all.end(), pose.centre, pose.centre + 3);
-  return all;
-}
-
-Refine_options with_loss(Loss loss) {
-  Refine_options options;
-  options.loss = loss;
-  return options;
-}
+Refine_options with_loss(Loss loss) { return {loss}; }
 
 bool is_converged(const Refine_result& result) { return static_cast<int>(result.exit) > 0; }
 
@@ -171,9 +161,9 @@ TEST_P(Refine, TakesOneWeightForAllEquationsOfAPoint) {
     problem.weights.push_back(random.uniform(0.1, 3.0));
     other.weights.insert(other.weights.end(), problem.d(), problem.weights.back());
   }
-  EXPECT_EQ(support::numbers_of(refined(problem)), support::numbers_of(refined(other)));
+  EXPECT_EQ(numbers_of(refined(problem)), numbers_of(refined(other)));
   other.weights[7] *= 4.0;
-  EXPECT_NE(support::numbers_of(refined(problem)), support::numbers_of(refined(other)));
+  EXPECT_NE(numbers_of(refined(problem)), numbers_of(refined(other)));
 }
 
 /// Points without an observation or a weight might as well not be there.
@@ -186,8 +176,8 @@ TEST_P(Refine, LeavesOutWhatWasNotSeen) {
     problem.points.insert(problem.points.begin() + static_cast<std::ptrdiff_t>(3 * place), 3, 17.0);
     problem.observations.insert(problem.observations.begin() + static_cast<std::ptrdiff_t>(d * place), d, 0.5);
   }
-  problem.observations[0] = nan;
-  problem.observations[d * 9 + 1] = nan;
+  problem.observations[0] = NAN;
+  problem.observations[d * 9 + 1] = NAN;
   problem.weights.assign(33, 1.0);
   problem.weights[31] = 0.0;
   const Refine_result result = refined(problem);

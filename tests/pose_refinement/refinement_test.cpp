@@ -221,33 +221,4 @@ TEST(Refinement, GoesOnUntilTheDeadline) {
   EXPECT_LE(some.num_iterations(), 1U);
 }
 
-TEST(Refinement, SpeaksInTheWordsOfItsDoor) {
-  constexpr kelvane::Words words{1, "Step", "Fall", "Most", "Scale", "Watch"};
-  support::Random random(9);
-  auto problem = support::random_scene(random, 12, false, 1.0);
-  Refine_options options;
-  const auto told = [&](bool stops = false) {
-    const Refine_problem view = problem.view();
-    Refinement refinement(view, options, words);
-    refinement.run(stops ? long_ago : Deadline::max());
-    if (stops) refinement.stop();
-    return refinement.result().message;
-  };
-  EXPECT_EQ(told(), "Converged: the step is below Step = 1e-09.");
-  options.function_tolerance = 0.5;
-  EXPECT_EQ(told(), "Converged: the decrease is below Fall = 0.5.");
-  options.max_iterations = 1;
-  EXPECT_EQ(told(), "Not converged: stopped after Most = 1.");
-  EXPECT_EQ(told(true), "Not converged: stopped by Watch.");
-  options = {};
-  options.loss = Loss::tukey;
-  options.loss_scale = 1e-9;
-  EXPECT_EQ(told(), "The points do not determine the pose: 0 have residuals below Scale = 1e-09, the others no pull.");
-  options = {};
-  problem.observations[4] = 1e200;
-  EXPECT_EQ(told(),
-            "Not refined: at the start the residual of point 3, 1e+200, is too large: the sum of squares is not "
-            "finite.");
-}
-
 }  // namespace

@@ -97,6 +97,13 @@ inline Refined_problem measured_problem(const std::string& set, int id, bool see
   return problem;
 }
 
+/// The rotation row by row, and the centre.
+inline std::vector<double> numbers_of(const kelvane::Pose& pose) {
+  std::vector<double> all(&pose.rotation[0][0], &pose.rotation[0][0] + 9);
+  all.insert(all.end(), pose.centre, pose.centre + 3);
+  return all;
+}
+
 /// The bits of all that a result holds but its message.
 inline std::vector<double> numbers_of(const kelvane::Refine_result& result) {
   std::vector<double> all = {static_cast<double>(result.exit),
@@ -112,8 +119,8 @@ inline std::vector<double> numbers_of(const kelvane::Refine_result& result) {
                              static_cast<double>(result.num_behind),
                              static_cast<double>(result.num_inliers)};
   const auto append = [&all](const kelvane::Pose& pose) {
-    all.insert(all.end(), &pose.rotation[0][0], &pose.rotation[0][0] + 9);
-    all.insert(all.end(), pose.centre, pose.centre + 3);
+    const std::vector<double> numbers = numbers_of(pose);
+    all.insert(all.end(), numbers.begin(), numbers.end());
   };
   append(result.pose);
   all.insert(all.end(), &result.covariance[0][0], &result.covariance[0][0] + 36);
