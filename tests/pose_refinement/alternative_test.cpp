@@ -8,6 +8,8 @@
 #include <vector>
 
 #include "pose_refinement/motion.h"
+#include "pose_refinement/refinement.h"
+#include "pose_refinement/robust_loss.h"
 #include "support/flat_scenes.h"
 
 namespace {
@@ -19,6 +21,27 @@ using support::flat_scene;
 using support::Refined_problem;
 
 constexpr std::size_t num_points = 20;
+
+std::size_t num_behind(const Refined_problem& problem, const Pose& pose) {
+  std::size_t num = 0;
+  for (const double* X = problem.points.data(); X != problem.points.data() + problem.points.size(); X += 3) {
+    double depth = 0.0;
+    for (int i = 0; i < 3; ++i) depth += pose.rotation[i][2] * (X[i] - pose.centre[i]);
+    num += depth <= 0.0 ? 1U : 0U;
+  }
+  return num;
+}
+
+/// By the model itself.
+double rms_of(const Refined_problem& problem, const Pose& pose, const kelvane::Robust_loss& loss) {
+  const std::size_t n = problem.points.size() / 3;
+  double cost = 0.0;
+  for (std::size_t i = 0; i < n; ++i) {
+    const std::vector<double> seen = support::seen(problem.camera, pose, &problem.points[3 * i]);
+    cost += loss.cost(std::hypot(problem.observations[2 * i] - seen[0], problem.observations[2 * i + 1] - seen[1]));
+  }
+  return std::sqrt(cost / static_cast<double>(n));
+}
 
 /// From the wrong side of a target seen from afar the right one is found, and the doubt is told.
 TEST(Alternative, OfATargetFarAwayFitsAsWell) {
@@ -107,6 +130,106 @@ TEST(Alternative, IsNotTheSameMinimumAgain) {
     if (!found.alternative) continue;
     EXPECT_GT(angle_between(found.pose, found.alternative->pose), 0.05) << scene;
   }
+}
+
+/// Near the camera the other tilt may turn most points to its back, where no camera sees them.
+TEST(Alternative, IsInFrontOfTheCamera) {
+  support::Random random(31);
+  int num_found = 0;
+  for (int scene = 0; scene < 1500; ++scene) {
+    const double distance = random.magnitude(-0.6, 1.6);
+    const double noise = random.magnitude(-2.0, 1.5);
+    const Refined_problem problem = flat_scene(random, num_points, distance, random.uniform(0.0, 1.5), noise);
+    const Refine_result found = refine(problem.view());
+    if (!found.alternative) continue;
+    ++num_found;
+    EXPECT_LE(2 * num_behind(problem, found.alternative->pose), num_points) << scene;
+  }
+  EXPECT_GT(num_found, 100);
+}
+
+/// Held behind the target by a prior it is not tilted: that is no pose to tell a doubt of.
+TEST(Alternative, IsNotLookedForBehindTheCamera) {
+  support::Random random(32);
+  std::vector<double> information(36, 0.0);
+  for (std::size_t i = 3; i < 6; ++i) information[7 * i] = 1e8;
+  Refined_problem problem = flat_scene(random, num_points, 20.0, 0.6, 0.5);
+  problem.start = support::behind_target(refine(problem.view()).pose);  // nothing is better there
+  kelvane::Refine_problem view = problem.view();
+  view.prior.pose = problem.start;
+  view.prior.information = information;
+  const kelvane::Refine_options options;
+  kelvane::Refinement refinement(view, options);
+  while (!refinement.run(kelvane::Deadline::min())) {
+    const std::vector<double> state = refinement.state();
+    EXPECT_FALSE(state[7] > 0.0 && state[8] == 1.0) << "a descent from the other tilt";
+  }
+  EXPECT_EQ(refinement.result().exit, Refine_exit::behind);
+}
+
+/// Who stops on the way to the other tilt has no second minimum, but the better pose of both.
+TEST(Alternative, IsNoneWhereItWasNotReached) {
+  support::Random random(33);
+  const Refined_problem problem = flat_scene(random, num_points, 40.0, 0.6, 0.5);
+  std::size_t num_calls = 0;
+  std::size_t last = ~std::size_t{0};
+  kelvane::Refine_options options;
+  options.watch = [&](const kelvane::Refine_step& /*step*/, std::size_t number) {
+    num_calls = number + 1;
+    return number == last;
+  };
+  const Refine_result whole = refine(problem.view(), options);
+  ASSERT_TRUE(whole.alternative.has_value());
+  const std::size_t num_steps = num_calls;
+  double rms = HUGE_VAL;
+  for (last = 0; last + 1 < num_steps; ++last) {
+    const Refine_result found = refine(problem.view(), options);
+    EXPECT_EQ(found.exit, Refine_exit::stopped) << last;
+    EXPECT_FALSE(found.alternative.has_value()) << last;
+    EXPECT_LE(found.after.robust, rms * (1.0 + 1e-13)) << last;
+    rms = found.after.robust;
+  }
+  EXPECT_NEAR(rms, whole.after.robust, 1e-9);
+}
+
+/// Three points leave up to four poses, all of which fit exactly: rounding makes none of them better.
+TEST(Alternative, OfAnExactFitIsAsGood) {
+  support::Random random(34);
+  int num_exact = 0;
+  for (int scene = 0; scene < 300; ++scene) {
+    SCOPED_TRACE(scene);
+    Refined_problem problem = flat_scene(random, 3, random.uniform(1.0, 5.0), random.uniform(0.1, 1.1), 0.0);
+    const Refine_result found = refine(problem.view());
+    if (!found.alternative || found.alternative->rms > 1e-9) continue;
+    ++num_exact;
+    EXPECT_EQ(found.exit, Refine_exit::ambiguous);
+    problem.start = found.pose;
+    EXPECT_LT(angle_between(refine(problem.view()).pose, found.pose), 1e-6) << "not the other one";
+  }
+  EXPECT_GT(num_exact, 30);
+}
+
+/// Both poses are told at the same scale of the loss, which may come down on the way to the other tilt.
+TEST(Alternative, IsMeasuredAsTheResultIs) {
+  support::Random random(35);
+  int num_found = 0;
+  for (int scene = 0; scene < 400; ++scene) {
+    SCOPED_TRACE(scene);
+    const std::size_t n = scene % 2 == 0 ? 5 : num_points;
+    const double distance = random.magnitude(0.0, 1.6);
+    Refined_problem problem = flat_scene(random, n, distance, random.uniform(0.0, 1.5), random.magnitude(-2.0, 1.5));
+    for (std::size_t i = 0; i < n / 5; ++i) problem.observations[2 * i] += random.uniform(-80.0, 80.0);
+    kelvane::Refine_options options;
+    options.loss = static_cast<kelvane::Loss>(1 + scene % 3);
+    const Refine_result found = refine(problem.view(), options);
+    if (!found.alternative) continue;
+    ++num_found;
+    EXPECT_LE(found.after.robust, found.alternative->rms + 1e-6);  // the rounding of pixels
+    const kelvane::Robust_loss loss{options.loss, found.loss_scale};
+    EXPECT_NEAR(rms_of(problem, found.pose, loss) / found.after.robust, 1.0, 1e-6);
+    EXPECT_NEAR(rms_of(problem, found.alternative->pose, loss) / found.alternative->rms, 1.0, 1e-6);
+  }
+  EXPECT_GT(num_found, 100);
 }
 
 }  // namespace

@@ -44,4 +44,16 @@ TEST(ExitMessage, SpeaksInTheWordsOfItsDoor) {
             "finite.");
 }
 
+TEST(ExitMessage, TellsWhereThePriorIsTooFarAway) {
+  support::Random random(10);
+  const auto problem = support::random_scene(random, 12, false, 1.0);
+  const std::vector<double> information(36, 1.0);
+  kelvane::Refine_problem view = problem.view();
+  view.prior.information = information;
+  view.prior.pose.centre[0] = 1e200;
+  const kelvane::Refine_result result = refine(view);
+  EXPECT_EQ(result.exit, kelvane::Refine_exit::no_cost);
+  EXPECT_EQ(result.message, "Not refined: at the start the prior is so far away that its cost is not finite.");
+}
+
 }  // namespace

@@ -2,6 +2,7 @@
 // Directions in which a pose is known.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstddef>
 #include <stdexcept>
@@ -10,6 +11,7 @@
 
 #include "pose_refinement/free_motion.h"
 #include "pose_refinement/motion.h"
+#include "support/flat_scenes.h"
 #include "support/motions.h"
 #include "support/refined_problems.h"
 
@@ -135,6 +137,35 @@ TEST(FixedDirections, LeavesTheNoiseAsItIs) {
       }
       EXPECT_NEAR(std::sqrt(square), 1.0, loss == kelvane::Loss::none ? 0.02 : 0.05) << which.size();
     }
+  }
+}
+
+/// Those that a flat target is seen from as well, mirrored behind it or tilted the other way, keep what is fixed.
+TEST(FixedDirections, StayAsTheyAreAtEveryPoseThatIsTried) {
+  const std::vector<double> oblique_shift = {0, 0, 0, 0, 0.6, 0.8};
+  for (const bool is_behind : {false, true}) {
+    SCOPED_TRACE(is_behind);
+    support::Random random(14);
+    Refined_problem problem = support::flat_scene(random, 20, 20.0, 0.6, 0.5);
+    if (is_behind) problem.start = support::behind_target(problem.start);
+    Refine_problem some = problem.view();
+    some.fixed = oblique_shift;
+    double largest_turn = 0.0;
+    kelvane::Refine_options options;
+    options.watch = [&](const kelvane::Refine_step& step, std::size_t /*number*/) {
+      const support::Motion x = support::motion_between(problem.start, step.pose);
+      EXPECT_NEAR(support::product(x.data(), oblique_shift.data()), 0.0, 1e-12);
+      largest_turn = std::max(largest_turn, step.turn);
+      return false;
+    };
+    refine(some, options);
+    EXPECT_GT(largest_turn, is_behind ? 3.0 : 0.5);  // to the other pose
+    some.fixed = kelvane::fixed_height;
+    const Refine_result found = refine(some);
+    EXPECT_EQ(found.pose.centre[2], problem.start.centre[2]);
+    if (is_behind) continue;
+    ASSERT_TRUE(found.alternative.has_value()) << found.message;
+    EXPECT_EQ(found.alternative->pose.centre[2], problem.start.centre[2]);
   }
 }
 

@@ -4,6 +4,7 @@
 
 #include <cmath>
 #include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <limits>
 #include <string>
@@ -180,6 +181,20 @@ TEST(HostileProblems, AWatchSeesEveryStepAndStopsIt) {
     return false;
   };
   EXPECT_EQ(support::caught_by([&] { refine(problem.view(), options); }).text, "mine");
+}
+
+/// Noise as large as the picture bends the cost so much that whole steps would leap over its minimum again and again.
+TEST(HostileProblems, NoiseAllOverThePictureHasAMinimum) {
+  constexpr int num_problems = 200;
+  int num_converged = 0;
+  for (int seed = 0; seed < num_problems; ++seed) {
+    support::Random random(static_cast<std::uint64_t>(seed));
+    Refined_problem problem = support::random_scene(random, 10, false, 1.0);
+    for (double& coordinate : problem.observations) coordinate += random.uniform(-800.0, 800.0);
+    const Refine_exit exit = refine(problem.view()).exit;
+    num_converged += static_cast<int>(exit) > 0 || exit == Refine_exit::ambiguous ? 1 : 0;
+  }
+  EXPECT_GT(num_converged, num_problems - 5);  // 188 without halves of steps
 }
 
 TEST(HostileProblems, EveryReasonToStopIsTold) {

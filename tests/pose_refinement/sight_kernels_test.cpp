@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <vector>
 
 #include "least_squares/aligned_buffer.h"
 #include "support/cases.h"
@@ -98,6 +99,29 @@ TEST_P(SightKernels, FollowTheFormulasPointByPoint) {
       for (const double sum : after.sums[j]) total += sum;
       EXPECT_NEAR(total, sums[j], 1e-11 * std::max(1.0, std::abs(sums[0])));
     }
+  }
+}
+
+/// Each residual by the row of its point's matrix; the entries above the diagonal of two rows are not stored.
+TEST_P(SightKernels, WhitenPointByPoint) {
+  for (const std::size_t d : {2U, 3U}) {
+    support::Random random(seed + 2);
+    Data data(d, random);
+    const Data before = data;
+    const std::size_t num_entries = d == 2 ? 3 : 9;
+    const std::vector<double> whitening = random.vector_in_cube(num_entries * num_points, 2.0);
+    kernels().whiten(whitening.data(), d, num_groups, data.columns);
+    for (std::size_t i = 0; i < num_points; ++i) {
+      const double* W = &whitening[i / group_size * num_entries * group_size + i % group_size];
+      for (std::size_t k = 0; k < d; ++k) {
+        double expected = 0.0;
+        for (std::size_t j = 0; j < (d == 2 ? k + 1 : d); ++j, W += group_size) {
+          expected += *W * before.columns[before.row(i, j)];
+        }
+        EXPECT_EQ(data.columns[data.row(i, k)], expected) << i << ", " << k;
+      }
+    }
+    EXPECT_TRUE(std::equal(data.columns + d * num_points, data.columns + 7 * stride, before.columns + d * num_points));
   }
 }
 

@@ -39,4 +39,11 @@ inline Refined_problem flat_scene(Random& random, std::size_t n, double distance
   return problem;
 }
 
+/// Reflected at the plane z = 0, with p turned into -p: the same pixels of points that lie behind the camera.
+inline kelvane::Pose behind_target(kelvane::Pose pose) {
+  pose.centre[2] = -pose.centre[2];
+  for (int i = 0; i < 6; ++i) (&pose.rotation[0][0])[i] *= -1.0;
+  return pose;
+}
+
 }  // namespace support

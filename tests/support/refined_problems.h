@@ -130,6 +130,10 @@ inline std::vector<double> numbers_of(const kelvane::Refine_result& result) {
     append(step.pose);
     all.insert(all.end(), {step.rms, step.turn, step.shift});
   }
+  if (result.alternative) {
+    append(result.alternative->pose);
+    all.push_back(result.alternative->rms);
+  }
   return all;
 }
 
