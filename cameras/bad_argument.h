@@ -2,6 +2,7 @@
 // What is wrong with an argument, so that each door can tell it in its own words.
 #pragma once
 
+#include <cmath>
 #include <cstddef>
 #include <stdexcept>
 #include <string>
@@ -44,5 +45,12 @@ std::string text_of(double value, int num_digits = 6);
 
 /// Throws that this entry of an argument is no finite number.
 [[noreturn, gnu::cold]] void refuse_not_finite(const char* name, std::size_t number, double value);
+
+/// Throws that where one of these entries is none.
+inline void check_finite(const char* name, const double* values, std::size_t first, std::size_t end) {
+  for (std::size_t i = first; i < end; ++i) {
+    if (!std::isfinite(values[i])) refuse_not_finite(name, i, values[i]);
+  }
+}
 
 }  // namespace kelvane

@@ -36,21 +36,15 @@ void remove_parts(const double (&taken)[6][6], std::size_t num_taken, double* x)
   }
 }
 
-void check_numbers(const Numbers& fixed) {
-  if (fixed.size % 6 != 0) {
-    throw Bad_argument("size", "fixed",
-                       " must be 6 numbers for each direction; there are " + std::to_string(fixed.size) + ".");
-  }
-  for (std::size_t i = 0; i < fixed.size; ++i) {
-    if (!std::isfinite(fixed.data[i])) refuse_not_finite("fixed", i, fixed.data[i]);
-  }
-}
-
 }  // namespace
 
 Free_motion::Free_motion(const Numbers& fixed, const Pose& start, const World& world) : start_(start) {
   constexpr double least_part = 1e-10;  // of a direction that the ones before do not span
-  check_numbers(fixed);
+  if (fixed.size % 6 != 0) {
+    throw Bad_argument("size", "fixed",
+                       " must be 6 numbers for each direction; there are " + std::to_string(fixed.size) + ".");
+  }
+  check_finite("fixed", fixed.data, 0, fixed.size);
   double taken[6][6] = {};
   std::size_t num_taken = 0;
   for (const double* given = fixed.data; given != fixed.data + fixed.size; given += 6) {

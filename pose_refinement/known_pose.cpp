@@ -23,22 +23,16 @@ const Numbers* given(const Pose_prior& prior, const char*& name) {
   return prior.information.size != 0 ? &prior.information : nullptr;
 }
 
-void check_numbers(const Numbers& numbers, const char* name) {
-  if (numbers.size != 36) {
-    throw Bad_argument("size", name, " must be 36 numbers, 6 x 6; there are " + std::to_string(numbers.size) + ".");
-  }
-  for (std::size_t i = 0; i < numbers.size; ++i) {
-    if (!std::isfinite(numbers.data[i])) refuse_not_finite(name, i, numbers.data[i]);
-  }
-}
-
 }  // namespace
 
 Known_pose::Known_pose(const Pose_prior& prior, const World& world, double sigma) : unit_(world.unit) {
   const char* name = nullptr;
   const Numbers* const numbers = given(prior, name);
   if (numbers == nullptr) return;
-  check_numbers(*numbers, name);
+  if (numbers->size != 36) {
+    throw Bad_argument("size", name, " must be 36 numbers, 6 x 6; there are " + std::to_string(numbers->size) + ".");
+  }
+  check_finite(name, numbers->data, 0, numbers->size);
   const bool is_covariance = numbers == &prior.covariance;
   Matrix root = {};
   double* const W = &root.rows[0][0];
@@ -55,9 +49,7 @@ Known_pose::Known_pose(const Pose_prior& prior, const World& world, double sigma
   for (int i = 0; i < 36; ++i) W[i] *= sigma;
   Pose pose = prior.pose;
   take_nearest_rotation(pose.rotation, "prior.pose.rotation");
-  for (std::size_t i = 0; i < 3; ++i) {
-    if (!std::isfinite(pose.centre[i])) refuse_not_finite("prior.pose.centre", i, pose.centre[i]);
-  }
+  check_finite("prior.pose.centre", pose.centre, 0, 3);
   pose_ = world.from_users(pose);
   root_ = root;
 }

@@ -134,9 +134,7 @@ void Observed_points::check_sizes() const {
 }
 
 void Observed_points::check_point(std::size_t i) const {
-  for (std::size_t j = 3 * i; j < 3 * i + 3; ++j) {
-    if (!std::isfinite(points_[j])) refuse_not_finite("points", j, points_[j]);
-  }
+  check_finite("points", points_, 3 * i, 3 * i + 3);
   for (std::size_t k = 0; k < d_; ++k) {
     const double seen = observations_[d_ * i + k];
     if (std::isinf(seen)) refuse_infinite_observation(d_ * i + k, seen);
@@ -144,14 +142,8 @@ void Observed_points::check_point(std::size_t i) const {
     if (!std::isfinite(w)) refuse_not_finite("weights", per_equation_ ? d_ * i + k : i, w);
     if (w < 0.0) refuse_negative_weights(problem_.weights);
   }
-  if (has_covariances() && (i == 0 || !has_one_covariance_)) check_covariance(i);
-}
-
-void Observed_points::check_covariance(std::size_t i) const {
-  const double* C = covariance(i);
-  for (std::size_t k = 0; k < d_ * d_; ++k) {
-    if (!std::isfinite(C[k])) refuse_not_finite("covariances", d_ * d_ * i + k, C[k]);
-  }
+  if (!has_covariances() || (i > 0 && has_one_covariance_)) return;
+  check_finite("covariances", covariances_, d_ * d_ * i, d_ * d_ * (i + 1));
 }
 
 bool Observed_points::is_used(std::size_t i) const {

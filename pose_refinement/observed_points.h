@@ -85,7 +85,6 @@ class Observed_points {
     return weights_ == nullptr ? 1.0 : weights_[per_equation_ ? d_ * i + k : i];
   }
   const double* covariance(std::size_t i) const { return covariances_ + (has_one_covariance_ ? 0 : d_ * d_ * i); }
-  void check_covariance(std::size_t i) const;
   void add(std::size_t i);
   void add_whitening(std::size_t i, const Sights& sights);
   void set_whitening();

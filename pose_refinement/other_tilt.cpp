@@ -14,7 +14,7 @@ namespace kelvane {
 /// of which a descent finds the one that is nearer. What has been found until then is kept.
 void Refinement::look_at_other_tilt() {
   Descent_state& descent = state_.descent;
-  if (!descent.exit || is_beside()) return;
+  if (!descent.exit || is_at_other_tilt()) return;
   Descent_outcome found = outcome();
   if (static_cast<int>(found.exit) <= 0) return;
   descent.history = std::move(found.history);
@@ -40,7 +40,7 @@ bool Refinement::is_flat() {
   const double noise = is_in_scale && !(input_.noise_sigma > 0.0)
                            ? loss.scale / loss.tuning()  // as it was chosen
                            : noise_sigma_of(input_, input_.options.loss, last.cost, lengths);
-  return is_seen_flat(last.pose, input_, pulls, num_sigma * noise) && !is_behind(last.pose);
+  return is_seen_flat(last.pose, input_, pulls, num_sigma * noise) && !descent_.cost().is_behind(last.pose);
 }
 
 /// What the loss leaves of the weights of the points; none without a loss.
@@ -64,9 +64,9 @@ void Refinement::compare_tilts(Descent_outcome& outcome) const {
   const Pose& start = descent.history[outcome.history.size()].pose;
   const double least_turn = least_turn_to(angle_between(found.pose, start));
   const bool is_minimum = descent.exit && static_cast<int>(*descent.exit) > 0;
-  if (!(is_minimum || is_stopped) || angle_between(found.pose, other.pose) <= least_turn || is_behind(other.pose))
-    return;
   Pose_cost cost(input_);
+  if (!(is_minimum || is_stopped) || angle_between(found.pose, other.pose) <= least_turn || cost.is_behind(other.pose))
+    return;
   const bool is_better = other.cost < cost.cost(found.pose, descent.loss) - cost.rounding();
   if (is_better) {
     if (is_minimum) outcome.exit = *descent.exit;

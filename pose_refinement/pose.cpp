@@ -14,12 +14,6 @@
 namespace kelvane {
 namespace {
 
-void check_finite(const double* values, std::size_t size, const char* name) {
-  for (std::size_t i = 0; i < size; ++i) {
-    if (!std::isfinite(values[i])) refuse_not_finite(name, i, values[i]);
-  }
-}
-
 /// The largest entry of R' R - I.
 double deviation_of(const double (&R)[3][3]) {
   double largest = 0.0;
@@ -51,7 +45,7 @@ Pose from_frame(Pose pose, Pose_frame frame) { return frame == Pose_frame::world
 std::array<double, 3> translation_of(const Pose& pose) { return {pose.centre[0], pose.centre[1], pose.centre[2]}; }
 
 void set_translation(const std::array<double, 3>& s, Pose& pose) {
-  check_finite(s.data(), 3, "the translation");
+  check_finite("the translation", s.data(), 0, 3);
   for (std::size_t i = 0; i < 3; ++i) pose.centre[i] = s[i];
 }
 
@@ -59,7 +53,7 @@ void set_translation(const std::array<double, 3>& s, Pose& pose) {
 
 void take_nearest_rotation(double (&R)[3][3], const char* name) {
   constexpr double six_digits = 1e-5;
-  check_finite(&R[0][0], 9, name);
+  check_finite(name, &R[0][0], 0, 9);
   const double deviation = deviation_of(R);
   if (deviation > six_digits) {
     throw Bad_argument("notRotation", name,
@@ -77,13 +71,13 @@ void take_nearest_rotation(double (&R)[3][3], const char* name) {
 Pose checked(const Pose& pose) {
   Pose nearest = pose;
   take_nearest_rotation(nearest.rotation, "pose.rotation");
-  check_finite(pose.centre, 3, "pose.centre");
+  check_finite("pose.centre", pose.centre, 0, 3);
   return nearest;
 }
 
 Pose pose_of(const Rotation_vector_pose& value, Pose_frame frame) {
   Pose pose;
-  check_finite(value.r.data(), 3, "the rotation vector");
+  check_finite("the rotation vector", value.r.data(), 0, 3);
   set_translation(value.s, pose);
   rotations::rot_vec_rad_to_rot_mat(value.r.data(), pose.rotation);
   return from_frame(pose, frame);
@@ -91,7 +85,7 @@ Pose pose_of(const Rotation_vector_pose& value, Pose_frame frame) {
 
 Pose pose_of(const Quaternion_pose& value, Pose_frame frame) {
   Pose pose;
-  check_finite(value.q.data(), 4, "the quaternion");
+  check_finite("the quaternion", value.q.data(), 0, 4);
   set_translation(value.s, pose);
   double unit[4];
   const double length = rotations::split_length(value.q.data(), 4, unit);

@@ -99,7 +99,9 @@ double Pose_cost::rounding() const {
   return of_observations * of_observations * square;
 }
 
-double Pose_cost::part_behind(const Pose& pose) const {
+bool Pose_cost::is_behind(const Pose& pose) const {
+  constexpr double half = 0.5;
+  if (rows_.camera().sees_directions) return false;
   double behind = 0.0;
   double all = 0.0;
   double depths[Sights::most_points];
@@ -112,7 +114,7 @@ double Pose_cost::part_behind(const Pose& pose) const {
       if (depths[i] <= 0.0) behind += weight;
     }
   }
-  return behind / all;
+  return behind / all > half;
 }
 
 }  // namespace kelvane

@@ -32,8 +32,8 @@ class Pose_cost {
   std::vector<double> lengths_of_observations() const;
   /// Below it a cost is nothing but the rounding of what is seen.
   double rounding() const;
-  /// The part of the weight, from 0 to 1, that lies behind the camera.
-  double part_behind(const Pose& pose) const;
+  /// Whether more than half of the weight lies behind the camera; directions have no front.
+  bool is_behind(const Pose& pose) const;
 
  private:
   const Observed_points& data_;

@@ -13,8 +13,6 @@
 namespace kelvane {
 namespace {
 
-constexpr double half = 0.5;
-
 template <typename Argument>
 const Argument& passed(const Argument& argument) {
   check(argument);
@@ -22,22 +20,22 @@ const Argument& passed(const Argument& argument) {
 }
 
 /// Those at the other tilt of a target are not the user's: what is told of a pose must not depend on them.
-std::size_t iterations_allowed(const Refine_options& options, bool is_beside) {
+std::size_t iterations_allowed(const Refine_options& options, bool is_at_other_tilt) {
   constexpr int for_other_tilt = 100;
-  return static_cast<std::size_t>(is_beside ? std::max(options.max_iterations, for_other_tilt)
-                                            : options.max_iterations);
+  return static_cast<std::size_t>(is_at_other_tilt ? std::max(options.max_iterations, for_other_tilt)
+                                                   : options.max_iterations);
 }
 
 /// Whether run() may have come to this end.
-bool can_end(Refine_exit exit, std::size_t num_entries, const Refine_options& options, bool is_beside) {
-  const std::size_t most = iterations_allowed(options, is_beside) + 1;
+bool can_end(Refine_exit exit, std::size_t num_entries, const Refine_options& options, bool is_at_other_tilt) {
+  const std::size_t most = iterations_allowed(options, is_at_other_tilt) + 1;
   if (exit == Refine_exit::max_iterations) return num_entries == most;
   if (exit == Refine_exit::decrease && !(options.function_tolerance > 0.0)) return false;
   return num_entries <= most && (num_entries > 1 || exit == Refine_exit::stopped);
 }
 
 /// Covariances and priors say how large noise is.
-double noise_sigma_of(const Refine_problem& problem, const Refine_options& options) {
+double known_noise_sigma(const Refine_problem& problem, const Refine_options& options) {
   const Pose_prior& prior = problem.prior;
   const bool has_unit = problem.covariances.size + prior.covariance.size + prior.information.size > 0;
   return options.noise_sigma > 0.0 || !has_unit ? options.noise_sigma : 1.0;
@@ -52,7 +50,7 @@ Refine_input::Refine_input(const Refine_problem& its_problem, const Refine_optio
       options(passed(its_options)),
       words(its_words),
       start(checked(its_problem.start)),
-      noise_sigma(noise_sigma_of(its_problem, its_options)),
+      noise_sigma(known_noise_sigma(its_problem, its_options)),
       data(its_problem, start),
       rows(passed(its_problem.camera)),
       prior(its_problem.prior, data.world(), noise_sigma),
@@ -81,9 +79,9 @@ void Refinement::resume(const double* state, std::size_t size) {
   if (resumed.first) check_cost(resumed.descent.history[resumed.first->num_entries - 1], resumed.first->scale);
   const Descent_state& descent = resumed.descent;
   check_cost(descent.history.back(), descent.loss.scale);
-  const bool is_beside = resumed.first && resumed.first->next == Other_side::tilted;
-  const std::size_t num_entries = descent.history.size() - (is_beside ? resumed.first->num_entries : 0);
-  if (descent.exit && !can_end(*descent.exit, num_entries, input_.options, is_beside)) refuse_state();
+  const bool is_at_other_tilt = resumed.first && resumed.first->next == Other_side::tilted;
+  const std::size_t num_entries = descent.history.size() - (is_at_other_tilt ? resumed.first->num_entries : 0);
+  if (descent.exit && !can_end(*descent.exit, num_entries, input_.options, is_at_other_tilt)) refuse_state();
   state_ = std::move(resumed);
 }
 
@@ -99,7 +97,7 @@ bool Refinement::run(Deadline deadline) {
 /// on can stop after the last one as after any other.
 void Refinement::advance() {
   Descent_state& descent = state_.descent;
-  if (num_entries_of_descent() > iterations_allowed(input_.options, is_beside())) {
+  if (num_entries_of_descent() > iterations_allowed(input_.options, is_at_other_tilt())) {
     descent.exit = Refine_exit::max_iterations;
     return;
   }
@@ -116,10 +114,10 @@ void Refinement::advance() {
 /// Those of a target tilted the other way are counted by themselves: they cannot cost the pose that was found its last
 /// ones.
 std::size_t Refinement::num_entries_of_descent() const {
-  return state_.descent.history.size() - (is_beside() ? state_.first->num_entries : 0);
+  return state_.descent.history.size() - (is_at_other_tilt() ? state_.first->num_entries : 0);
 }
 
-bool Refinement::is_beside() const { return state_.first && state_.first->next == Other_side::tilted; }
+bool Refinement::is_at_other_tilt() const { return state_.first && state_.first->next == Other_side::tilted; }
 
 /// The other tilt is measured as the first one, by the scale that the loss has come to: whatever differs then is
 /// another minimum.
@@ -127,7 +125,7 @@ void Refinement::begin_next() {
   Descent_state& descent = state_.descent;
   if (!state_.first) return descent_.begin(input_.data.world().from_users(input_.start), descent);
   const Pose last = descent.history.back().pose;
-  if (!is_beside()) return descent_.begin(input_.motion.nearest(mirrored(last, input_.data)), descent);
+  if (!is_at_other_tilt()) return descent_.begin(input_.motion.nearest(mirrored(last, input_.data)), descent);
   const std::vector<double> pulls = pulls_at(last, state_.first->scale);
   descent_.begin(input_.motion.nearest(tilted(last, input_.data, pulls)), descent);
   descent_.continue_with(state_.first->scale, descent);
@@ -137,14 +135,11 @@ void Refinement::begin_next() {
 /// same pixels there.
 void Refinement::look_from_other_side() {
   const Descent_state& descent = state_.descent;
-  if (state_.first || !may_look_from_other_side(descent.exit) || !is_behind(descent.history.back().pose)) return;
+  if (state_.first || !may_look_from_other_side(descent.exit) ||
+      !descent_.cost().is_behind(descent.history.back().pose))
+    return;
   state_.first = First_descent{*descent.exit, descent.loss.scale, descent.history.size(), Other_side::behind};
   state_.descent.exit.reset();
-}
-
-/// More than half of the weight; directions have no front.
-bool Refinement::is_behind(const Pose& pose) const {
-  return !input_.rows.camera().sees_directions && Pose_cost(input_).part_behind(pose) > half;
 }
 
 void Refinement::stop() {
@@ -162,7 +157,7 @@ Refine_step Refinement::last_step() const {
 
 /// Of one that is over nothing is left but what it came to, and the other tilt.
 std::vector<double> Refinement::state() const {
-  if (!state_.descent.exit || is_beside()) return row_of(state_);
+  if (!state_.descent.exit || is_at_other_tilt()) return row_of(state_);
   Descent_outcome found = outcome();
   if (found.exit == Refine_exit::no_cost) return {};
   return row_of({{found.loss, 0.0, true, true, std::move(found.history), found.exit}});
@@ -174,12 +169,12 @@ Refine_result Refinement::result() const { return report(input_, outcome()); }
 Descent_outcome Refinement::outcome() const {
   const Descent_state& descent = state_.descent;
   Descent_outcome outcome{descent.exit.value_or(Refine_exit::stopped), descent.loss, descent.history};
-  if (state_.first && (is_beside() || !is_other_side_better())) {
+  if (state_.first && (is_at_other_tilt() || !is_other_side_better())) {
     outcome.exit = state_.first->exit;
     outcome.loss.scale = state_.first->scale;
     outcome.history.resize(state_.first->num_entries);
   }
-  if (is_beside()) compare_tilts(outcome);
+  if (is_at_other_tilt()) compare_tilts(outcome);
   Pose_cost cost(input_);
   for (Descent_entry& entry : outcome.history) {
     if (entry.scale == outcome.loss.scale) continue;
@@ -195,7 +190,7 @@ bool Refinement::is_other_side_better() const {
   if (descent.history.size() == state_.first->num_entries) return false;
   Pose_cost cost(input_);
   const Pose& found = descent.history.back().pose;
-  return cost.part_behind(found) <= half &&
+  return !cost.is_behind(found) &&
          cost.cost(found, descent.loss) <= cost.cost(descent.history.front().pose, descent.loss);
 }
 

@@ -42,14 +42,13 @@ class Refinement {
  private:
   void advance();
   std::size_t num_entries_of_descent() const;
-  bool is_beside() const;
+  bool is_at_other_tilt() const;
   void begin_next();
   void look_from_other_side();
   void look_at_other_tilt();
   bool is_flat();
   std::vector<double> pulls_at(const Pose& pose, double scale);
   double least_turn_to(double turn_of_start) const;
-  bool is_behind(const Pose& pose) const;
   Descent_outcome outcome() const;
   bool is_other_side_better() const;
   void compare_tilts(Descent_outcome& outcome) const;

@@ -177,13 +177,12 @@ class Reporter {
   }
 
   void set_exit() {
-    constexpr double half = 0.5;
     const bool has_come_to_end = result_.exit != Refine_exit::max_iterations && result_.exit != Refine_exit::stopped;
     if (result_.exit == Refine_exit::no_cost) return;
     if (!is_determined_) {
       result_.exit = Refine_exit::undetermined;
     } else if (has_come_to_end && result_.num_behind > 0 &&
-               Pose_cost(input_).part_behind(input_.data.world().from_users(found_)) > half) {
+               Pose_cost(input_).is_behind(input_.data.world().from_users(found_))) {
       result_.exit = Refine_exit::behind;
     }
   }
