@@ -11,7 +11,7 @@ namespace {
 std::string place(const std::string& name, Bad_argument::Where where, std::size_t number) {
   if (where == Bad_argument::Where::whole) return name;
   if (where == Bad_argument::Where::entry) return name + "[" + std::to_string(number) + "]";
-  return name + " of point " + std::to_string(number);
+  return name.substr(0, name.size() - 1) + " of point " + std::to_string(number);  // one of many: without the s
 }
 
 }  // namespace

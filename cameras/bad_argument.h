@@ -17,7 +17,7 @@ class Bad_argument : public std::invalid_argument {
   enum class Where {
     whole,  ///< the argument: name, sentence
     entry,  ///< one of its numbers: name[number], sentence
-    point   ///< what belongs to one point: name "of point" number, sentence
+    point   ///< what belongs to one point: name without its s, "of point" number, sentence
   };
 
   /// Of a whole argument. The identifier, a constant as "notFinite", says what kind of mistake this is.

@@ -80,7 +80,7 @@ Parts parts_of_matrix(const mxArray* value, std::size_t num_rows) {
     for (std::size_t c = 0; c < 4; ++c) last += " " + text_of(T(3, c));
     const bool is_turned = T(0, 3) == 0.0 && T(1, 3) == 0.0 && T(2, 3) == 0.0 && T(3, 3) == 1.0;
     refuse("lastRow", "The last row of the pose must be 0 0 0 1; this is" + last + "." +
-                          (is_turned ? " It looks transposed: the translation belongs into the last column." : ""));
+                          (is_turned ? " It looks transposed: the translation belongs in the last column." : ""));
   }
   Parts parts;
   copy_rotation(T, parts);

@@ -41,10 +41,10 @@ Known_pose::Known_pose(const Pose_prior& prior, const World& world, double sigma
   if (found == Root::not_symmetric) throw Bad_argument("notSymmetric", name, " is not symmetric.");
   if (found == Root::not_positive && is_covariance) {
     throw Bad_argument("notPositive", name,
-                       " is not positive definite. What is known for sure belongs into the fixed directions.");
+                       " is not positive definite. What is known for sure belongs in the fixed directions.");
   }
   if (found == Root::not_positive) {
-    throw Bad_argument("notPositive", name, " has a negative eigenvalue: no information is 0.");
+    throw Bad_argument("notPositive", name, " has a negative eigenvalue: where nothing is known, information is 0.");
   }
   for (int i = 0; i < 36; ++i) W[i] *= sigma;
   Pose pose = prior.pose;

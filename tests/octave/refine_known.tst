@@ -124,10 +124,10 @@
 %! fields = 'Prior must be a struct with the fields pose and either covariance or information.';
 %! assert({prior(), prior('covariance', eye(6), 'information', eye(6)), message('Prior', 5)}, {fields, fields, fields});
 %! assert(prior('covariance', eye(5)), 'Prior.covariance must be 6 x 6; this is 5 x 5.');
-%! assert(prior('covariance', zeros(6)), ['Prior.covariance is not positive definite. What is known for sure belongs into the ' ...
+%! assert(prior('covariance', zeros(6)), ['Prior.covariance is not positive definite. What is known for sure belongs in the ' ...
 %!        'fixed directions.']);
 %! assert(prior('covariance', eye(6) + triu(ones(6), 1) / 9), 'Prior.covariance is not symmetric.');
-%! assert(prior('information', -eye(6)), 'Prior.information has a negative eigenvalue: no information is 0.');
+%! assert(prior('information', -eye(6)), 'Prior.information has a negative eigenvalue: where nothing is known, information is 0.');
 %! assert(prior('information', Inf(6)), 'Prior.information(1, 1) is Inf. All of it must be finite numbers.');
 %! assert(message('Prior', struct('pose', 1, 'covariance', eye(6)))(1:11), 'Prior.pose:');
 %! assert(message('Fixed', 'hight'), ['''hight'' is not a kind of Fixed. Did you mean ''height''? There are ''rotation'', ' ...

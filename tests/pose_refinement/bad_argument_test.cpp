@@ -65,7 +65,7 @@ TEST(BadArgument, NamesAPoint) {
   });
   expect(error, "zeroBearing", "observations", Where::point, 3,
          " has the length 3.1e-301: a bearing needs a direction.");
-  EXPECT_STREQ(error->what(), "observations of point 3 has the length 3.1e-301: a bearing needs a direction.");
+  EXPECT_STREQ(error->what(), "observation of point 3 has the length 3.1e-301: a bearing needs a direction.");
   EXPECT_FALSE(thrown_for(true, [](auto& p) {  // too short in each coordinate, but not in all
     p.observations[9] = p.observations[10] = p.observations[11] = 0.9e-10;
   }));

@@ -62,7 +62,7 @@ TEST(HostileProblems, NumbersOutOfRange) {
   EXPECT_EQ(told_of([](auto& p, auto&) { p.weights.assign(10, 0.0), p.weights[3] = p.weights[5] = 1.0; }),
             "Three points with a weight above 0 and an observation are the least that determine a pose; there are 2.");
   EXPECT_EQ(told_of([](auto& p, auto&) { p.observations[6] = p.observations[7] = p.observations[8] = 0.0; }, true),
-            "observations of point 2 has the length 0: a bearing needs a direction.");
+            "observation of point 2 has the length 0: a bearing needs a direction.");
   EXPECT_EQ(told_of([](auto& p, auto&) {
               p.points.assign(30, 0.0), p.start.centre[0] = 0.0, p.start.centre[1] = 0.0, p.start.centre[2] = 0.0;
             }),

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "pose_refinement/motion.h"
+#include "support/matchers.h"
 #include "support/refined_problems.h"
 
 namespace {
@@ -123,6 +124,37 @@ TEST(ObservationCovariances, TellOppositeDirectionsApart) {
   const Refine_result found = refine(view, options);
   EXPECT_FALSE(found.is_inlier[0]);
   EXPECT_EQ(found.num_inliers, 19U);
+}
+
+TEST(ObservationCovariances, ThatCannotBeAreTold) {
+  support::Random random(9);
+  const Refined_problem problem = support::random_scene(random, 10, false, 1.0);
+  const auto told_of_third = [&](const std::vector<double>& covariance) {
+    std::vector<double> covariances;
+    for (int i = 0; i < 10; ++i) covariances.insert(covariances.end(), {1.0, 0.0, 0.0, 1.0});
+    std::copy_n(covariance.begin(), 4, &covariances[12]);
+    Refine_problem view = problem.view();
+    view.covariances = covariances;
+    return support::caught_by([&] { refine(view); }).text;
+  };
+  EXPECT_EQ(told_of_third({1, 0.5, 0, 1}), "covariance of point 3 is not symmetric.");
+  EXPECT_EQ(told_of_third({1, 2, 2, 1}), "covariance of point 3 is not positive definite.");
+  EXPECT_EQ(told_of_third({1, 0, NAN, 1}), "covariances[14] is NaN. All of it must be finite numbers.");
+}
+
+TEST(Prior, ThatCannotBeIsTold) {
+  support::Random random(9);
+  const Refined_problem problem = support::random_scene(random, 10, false, 1.0);
+  const std::vector<double> nothing(36, 0.0);
+  const std::vector<double> negative = diagonal(std::vector<double>(6, -1.0));
+  Refine_problem view = problem.view();
+  view.prior.covariance = nothing;
+  EXPECT_EQ(support::caught_by([&] { refine(view); }).text,
+            "prior.covariance is not positive definite. What is known for sure belongs in the fixed directions.");
+  view.prior = {};
+  view.prior.information = negative;
+  EXPECT_EQ(support::caught_by([&] { refine(view); }).text,
+            "prior.information has a negative eigenvalue: where nothing is known, information is 0.");
 }
 
 TEST_P(EitherKind, APriorWithoutInformationChangesNothing) {
