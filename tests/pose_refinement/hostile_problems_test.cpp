@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "pose_refinement/refine.h"
+#include "support/flat_scenes.h"
 #include "support/matchers.h"
 #include "support/refined_problems.h"
 
@@ -129,6 +130,20 @@ TEST(HostileProblems, APoseBehindTheTargetIsMirrored) {
   EXPECT_EQ(other.num_behind, 10U);
   EXPECT_LT(other.after.plain, 1e-9);  // what the first descent found
   EXPECT_NE(other.message.find("behind the camera"), std::string::npos) << other.message;
+}
+
+/// Turned by half a turn, a camera that sees directions does the same with its back to the target.
+TEST(HostileProblems, DirectionsHaveNoBack) {
+  support::Random random(3);
+  Refined_problem problem = support::flat_scene(random, 20, 20.0, 0.6, 1e-3, true);
+  const Refine_result expected = refine(problem.view());
+  for (std::size_t i = 0; i < problem.observations.size(); ++i) problem.observations[i] *= i % 3 == 0 ? 1.0 : -1.0;
+  for (auto& row : problem.start.rotation) row[1] = -row[1], row[2] = -row[2];
+  const Refine_result found = refine(problem.view());
+  EXPECT_EQ(found.exit, expected.exit);
+  EXPECT_NEAR(found.after.robust / expected.after.robust, 1.0, 1e-9);
+  ASSERT_TRUE(expected.alternative && found.alternative);
+  EXPECT_NEAR(found.alternative->rms / expected.alternative->rms, 1.0, 1e-9);
 }
 
 TEST(HostileProblems, AStartWithoutACostIsTold) {

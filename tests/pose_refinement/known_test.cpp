@@ -145,16 +145,21 @@ TEST(ObservationCovariances, ThatCannotBeAreTold) {
 TEST(Prior, ThatCannotBeIsTold) {
   support::Random random(9);
   const Refined_problem problem = support::random_scene(random, 10, false, 1.0);
-  const std::vector<double> nothing(36, 0.0);
-  const std::vector<double> negative = diagonal(std::vector<double>(6, -1.0));
-  Refine_problem view = problem.view();
-  view.prior.covariance = nothing;
-  EXPECT_EQ(support::caught_by([&] { refine(view); }).text,
+  const auto told_of = [&](const std::vector<double>& covariance, const std::vector<double>& information, double x) {
+    Refine_problem view = problem.view();
+    view.prior.covariance = covariance;
+    view.prior.information = information;
+    view.prior.pose.centre[0] = x;
+    return support::caught_by([&] { refine(view); }).text;
+  };
+  EXPECT_EQ(told_of(diagonal({1, 1, 1, 1, 1, 0}), {}, 0.0),
             "prior.covariance is not positive definite. What is known for sure belongs in the fixed directions.");
-  view.prior = {};
-  view.prior.information = negative;
-  EXPECT_EQ(support::caught_by([&] { refine(view); }).text,
+  EXPECT_EQ(told_of({}, diagonal({1, 1, 1, 1, 1, -1}), 0.0),
             "prior.information has a negative eigenvalue: where nothing is known, information is 0.");
+  EXPECT_EQ(told_of({}, diagonal({1, NAN, 1, 1, 1, 1}), 0.0),
+            "prior.information[7] is NaN. All of it must be finite numbers.");
+  EXPECT_EQ(told_of({}, diagonal({1, 1, 1, 1, 1, 1}), HUGE_VAL),
+            "prior.pose.centre[0] is Inf. All of it must be finite numbers.");
 }
 
 TEST_P(EitherKind, APriorWithoutInformationChangesNothing) {

@@ -115,8 +115,8 @@ TEST_P(SightKernels, WhitenPointByPoint) {
       const double* W = &whitening[i / group_size * num_entries * group_size + i % group_size];
       for (std::size_t k = 0; k < d; ++k) {
         double expected = 0.0;
-        for (std::size_t j = 0; j < (d == 2 ? k + 1 : d); ++j, W += group_size) {
-          expected += *W * before.columns[before.row(i, j)];
+        for (std::size_t j = 0; j < (d == 2 ? k + 1 : d); ++j) {
+          expected += W[(d == 2 ? k + j : 3 * k + j) * group_size] * before.columns[before.row(i, j)];
         }
         EXPECT_EQ(data.columns[data.row(i, k)], expected) << i << ", " << k;
       }
