@@ -31,16 +31,20 @@ double radial_slope_at(const Lens& lens, double r) {
   return Moved_place<1>(r, 0.0, radial).x_a;
 }
 
-/// The radius below the fold that the radial terms move to `moved`; NaN where there is none. They rise up to there.
+/// The radius below the fold that the radial terms move to `moved`; NaN where there is none. They rise up to there, to
+/// a pole perhaps, next to which rounding decides their sign.
 double radius_before(const Lens& lens, double moved) {
+  constexpr double nearly = 1.0 - 1e-9;  // whether the end is near enough is for who looks at the pixel
+  constexpr double inside = 1.0 - 1e-15;
   double low = 0.0;
   double high = std::min(lens.fold, std::max(1.0, moved));
-  while (radial_at(lens, high) < moved) {
-    if (high >= lens.fold) return no_number;
+  while (high < lens.fold && radial_at(lens, high) < moved) {
     low = high;
     high = std::min(lens.fold, 4.0 * high);
   }
-  double r = std::min(moved, high);
+  const double end = radial_at(lens, high);
+  if (end >= 0.0 && end < nearly * moved) return no_number;
+  double r = moved < high ? moved : low + 0.5 * (high - low);
   double last_step = high - low;
   for (int i = 0; i < most_iterations; ++i) {
     const double off = radial_at(lens, r) - moved;
@@ -53,7 +57,7 @@ double radius_before(const Lens& lens, double moved) {
     last_step = next - r;
     r = next;
   }
-  return r;
+  return std::min(r, inside * lens.fold);
 }
 
 /// Newton's steps, halved until they lead nearer and stay on the disc, from a place on it.

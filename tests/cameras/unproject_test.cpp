@@ -68,6 +68,33 @@ TEST_P(UnprojectOfModel, MeetsEveryPixelOrSaysThatItHasNone) {
   EXPECT_GT(num_met, 30 * num_lenses);
 }
 
+void expect_met_at(const Lens& lens, double part_of_fold) {
+  const double seen[] = {0.6 * part_of_fold * lens.fold, 0.8 * part_of_fold * lens.fold, 1.0};
+  double pixel[2];
+  double back[3];
+  project(lens, seen, pixel);
+  ASSERT_TRUE(unproject(lens, pixel, back)) << part_of_fold << " of " << lens.fold;
+  EXPECT_NEAR(back[0] / back[2], seen[0], 1e-7 * lens.fold);
+  EXPECT_NEAR(back[1] / back[2], seen[1], 1e-7 * lens.fold);
+}
+
+/// Rounding decides on which side of the pole the end of the picture lies.
+TEST(Unproject, MeetsPixelsBeforeAPole) {
+  for (int i = 1; i < 100; ++i) {
+    const double k6 = -0.01 * i;
+    const Lens lens = make_lens(kelvane::lens_model("FULL_OPENCV"), {500, 500, 0, 0, 0.02, 0, 0, 0, 0, 0, 0, k6});
+    for (const double part : {0.3, 0.8, 0.95}) expect_met_at(lens, part);
+  }
+}
+
+/// There the pixels of two places differ by their rounding alone.
+TEST(Unproject, MeetsWhatIsSeenJustBeforeTheFold) {
+  for (int i = 1; i < 100; ++i) {
+    const Lens lens = make_lens(kelvane::lens_model("SIMPLE_RADIAL"), {1000, 320, 240, -0.01 * i});
+    expect_met_at(lens, 1.0 - 1e-8);
+  }
+}
+
 /// Beyond the fold no direction is invented: the radial function has its largest value there.
 TEST(Unproject, HasNothingBeyondTheFold) {
   const Lens lens = make_lens(kelvane::lens_model("SIMPLE_RADIAL"), {1000, 0, 0, -1.0 / 3.0});
