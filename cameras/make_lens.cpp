@@ -13,7 +13,8 @@ namespace {
 using P = Lens_parameter;
 
 constexpr double pi = 3.14159265358979323846;
-constexpr double in_plane = 1e13;  // from there on only the rounding of a point decides what is seen
+constexpr double least_omega = 1e-100;  // below it is a pinhole, and denormal angles lose its digits
+constexpr double in_plane = 1e13;       // from there on only the rounding of a point decides what is seen
 
 /// Of the sensor, by OpenCV's two angles: a turn about x and one about y, and the way back along the axis.
 void set_tilt(double tau_x, double tau_y, double (&tilt)[3][3]) {
@@ -71,7 +72,7 @@ void set_distortion(Lens& lens) {
 /// The place on the plane at an angle of pi, or too far for a depth to be more than rounding.
 void set_plane(Lens& lens) {
   const double omega = lens.parameter(P::omega);
-  const bool is_view = lens.model->plane == Lens_plane::field_of_view && omega != 0.0;
+  const bool is_view = lens.model->plane == Lens_plane::field_of_view && omega > least_omega;
   lens.is_angular = is_view || lens.model->plane == Lens_plane::fisheye;
   lens.omega = is_view ? omega : 1.0;
   lens.stretch = is_view ? 2.0 * std::sin(0.5 * omega) / std::cos(0.5 * omega) : 1.0;

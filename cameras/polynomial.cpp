@@ -9,7 +9,9 @@
 namespace kelvane {
 namespace {
 
+/// At 0 of any coefficients: what overflows further out is not positive there.
 double value_at(const Polynomial& a, double r) {
+  if (r == 0.0) return a.front();
   double value = 0.0;
   for (auto c = a.rbegin(); c != a.rend(); ++c) value = value * r + *c;
   return value;

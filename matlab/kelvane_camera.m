@@ -74,11 +74,11 @@ function [camera, second, third] = kelvane_camera(value, varargin)
   end
   coefficients = [];
   kind = '';
-  if ~isempty(varargin) && isnumeric(varargin{1})
+  if ~isempty(varargin) && ~is_text(varargin{1}) && ~isstruct(varargin{1})
     coefficients = varargin{1};
     varargin(1) = [];
   end
-  if ~isempty(varargin) && is_text(varargin{1}) && any(strcmpi(varargin{1}, {'perspective', 'fisheye'}))
+  if mod(numel(varargin), 2) == 1 && is_text(varargin{1}) && ~strcmpi(varargin{1}, 'ImageSize')
     kind = lower(char(varargin{1}));
     varargin(1) = [];
   end
@@ -173,6 +173,22 @@ end
 %! assert(kelvane_camera([1 2 3]).fold, pi / 2, 1e-12);
 %! assert(kelvane_camera('OPENCV_FISHEYE', [1 1 0 0 0 0 0 0]).fold, pi);
 %!warning <from about 200 pixels around the principal point on, at 45 degrees> kelvane_camera('SIMPLE_RADIAL', [300 100 75 -1/3], 'ImageSize', [640 480]);
+%!warning <from about 0 pixels around the principal point on> kelvane_camera(eye(3), [zeros(1, 12), 2, 0]);
+%!test  % so narrow a field of view is a pinhole's
+%! points = [0.1 -0.2; 0.3 0.5; 1 2];
+%! narrow = kelvane_camera('FOV', [700 650 320 240 1e-310]);
+%! assert(narrow.fold, pi / 2, 1e-12);
+%! assert(kelvane_distort(points, narrow), kelvane_distort(points, [700 650 320 240]), 1e-10);
+%!error <coefficients must be numbers; this is of class cell> kelvane_camera([1 2 3], {1, 2, 3, 4})
+%!error <parameters must be numbers; this is of class cell> kelvane_camera('RADIAL', {1, 2, 3, 4, 5})
+%!error <'perspective' or 'fisheye', but not 'fish'> kelvane_camera([1 2 3], 1:4, 'fish')
+%!error <says itself whether it is a fisheye; 'fisheye' goes with K> kelvane_camera('RADIAL', 1:5, 'fisheye')
+%!error <A camera has model and parameters; this struct has no parameters> kelvane_camera(struct('model', 'FOV'))
+%!error <A camera has model and parameters; this struct has no model> kelvane_camera(struct('parameters', 1:4))
+%!error <must be one camera; this is an array of 2> kelvane_camera(repmat(kelvane_camera([1 2 3]), 1, 2))
+%!error <must be one camera; this is an array of 0> kelvane_camera(struct([]))
+%!error <must be numbers or one camera; this is of class cell> kelvane_camera({1, 2, 3})
+%!error <must be numbers or one camera; this is of class char> kelvane_distort([1; 2; 3], 'RADIAL')
 %!error <needs a model> kelvane_camera()
 %!error <'RADIALL' is not a camera model. Did you mean 'RADIAL'\?> kelvane_camera('RADIALL', 1:5)
 %!error <OPENCV has 8 parameters: fx, fy, cx, cy, k1, k2, p1, p2; here are 3> kelvane_camera('OPENCV', 1:3)

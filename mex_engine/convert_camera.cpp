@@ -19,16 +19,17 @@ std::vector<double> numbers_in(const mxArray* array, const char* name) {
 
 /// Of the ways to call kelvane_camera.
 Lens given_lens(const Inputs& inputs) {
+  const std::string kind = text_in(inputs[2], "The kind of a camera");
+  if (!kind.empty() && kind != "perspective" && kind != "fisheye") {
+    refuse("inputs", "A camera is 'perspective' or 'fisheye', but not " + quoted(kind) + ".");
+  }
   if (mxIsChar(inputs[0])) {
+    if (!kind.empty()) refuse("inputs", "A model says itself whether it is a fisheye; '" + kind + "' goes with K.");
     const Lens_model& model = lens_model(text_in(inputs[0], "The model of a camera"));
     return make_lens(model, numbers_in(inputs[1], "parameters"));
   }
   const Lens plain = read_lens_of_pixels(inputs[0]);
   const std::vector<double> coefficients = numbers_in(inputs[1], "coefficients");
-  const std::string kind = text_in(inputs[2], "The kind of a camera");
-  if (!kind.empty() && kind != "perspective" && kind != "fisheye") {
-    refuse("inputs", "A camera is 'perspective' or 'fisheye', but not " + quoted(kind) + ".");
-  }
   if (coefficients.empty() && kind != "fisheye") return plain;
   if (!is_pinhole(plain))
     refuse("distortion", "These intrinsics have a lens already; coefficients go with a pinhole's.");
@@ -39,6 +40,7 @@ class Camera_answer final : public Answer {
  public:
   explicit Camera_answer(const Inputs& inputs) : camera_{given_lens(inputs)} {
     const std::vector<double> size = numbers_in(inputs[3], "ImageSize");
+    if (!(camera_.lens.fold > 0.0)) warning_ = fold_sentence("This lens", camera_.lens);
     if (size.empty()) return;
     const auto is_positive = [](double x) { return x > 0.0; };
     if (size.size() != 2 || !std::all_of(size.begin(), size.end(), is_positive)) {

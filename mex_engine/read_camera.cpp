@@ -70,7 +70,23 @@ std::vector<double> coefficients_of_object(const mxArray* object) {
   return all;
 }
 
+/// Refuses what is no object, nor a struct like one.
+void check_object(const mxArray* object) {
+  if (mxIsCell(object) || mxIsChar(object)) {
+    refuse("intrinsics",
+           std::string("intrinsics must be numbers or one camera; this is of class ") + mxGetClassName(object) + ".");
+  }
+  if (mxIsStruct(object) && num_elements(object) != 1) {
+    refuse("intrinsics", "intrinsics must be one camera; this is an array of " + text(num_elements(object)) + ".");
+  }
+  if (has_field(object, "model") || has_field(object, "parameters")) {
+    const char* missing = has_field(object, "model") ? "parameters" : "model";
+    refuse("property", std::string("A camera has model and parameters; this struct has no ") + missing + ".");
+  }
+}
+
 Lens lens_of_object(const mxArray* object) {
+  check_object(object);
   if (mxGetClassName(object) == std::string("fisheyeIntrinsics") || has_field(object, "MappingCoefficients")) {
     refuse("fisheyeIntrinsics",
            "A fisheyeIntrinsics maps by a polynomial of its own, which is not among the models. Take OPENCV_FISHEYE, "

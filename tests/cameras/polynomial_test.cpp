@@ -35,6 +35,12 @@ TEST(FirstRoot, IsTheLimitWhereThereIsNone) {
   EXPECT_EQ(first_root({1.0, -1.0, 1.0}, 7.0), 7.0);
 }
 
+TEST(FirstRoot, IsNotBeyondWhatOverflows) {
+  EXPECT_EQ(first_root({1.0, std::nan("")}, 7.0), 0.0);
+  EXPECT_LT(first_root({1.0, HUGE_VAL, -HUGE_VAL}, 7.0), 1e-300);
+  EXPECT_LT(first_root({1.0, 0.0, -1e308}, 1e13), 1.1e-154);
+}
+
 TEST(FirstRoot, IsAnsweredFromBelow) {
   const Polynomial p{1.0, 0.0, -3.0};
   const double root = first_root(p, 1e13);
