@@ -70,18 +70,18 @@ void Descent::iterate(Descent_state& state) {
   Descent_entry next = before;
   next.turn = next.shift = 0.0;
   system_.linearise(before.pose, state.loss);
-  const double length = try_steps(system_.steps(), state.loss, next);
-  state.exit = verdict(before, next, length);
+  const Trial trial = try_steps(system_.steps(), state.loss, next);
+  state.exit = verdict(before, next, trial);
   lower_scale(next, state);
   state.history.push_back(next);
 }
 
 /// Takes the best of the steps, or of ever smaller parts of them, if it is better than the pose; the first that is,
-/// where they are so short that it is Newton's. Returns the length of the first whole step.
-double Descent::try_steps(const Steps& steps, const Robust_loss& loss, Descent_entry& next) {
+/// where they are so short that it is Newton's.
+Descent::Trial Descent::try_steps(const Steps& steps, const Robust_loss& loss, Descent_entry& next) {
   constexpr double smallest_part = 1e-6;
   constexpr double far = 0.01;
-  if (steps.count == 0) return std::numeric_limits<double>::quiet_NaN();
+  if (steps.count == 0) return {std::numeric_limits<double>::quiet_NaN(), false};
   const Pose start = next.pose;
   const double length = norm(steps.twists[0], 6);
   const double start_cost = next.cost;
@@ -89,13 +89,16 @@ double Descent::try_steps(const Steps& steps, const Robust_loss& loss, Descent_e
   double limit = next.cost * (length <= hidden_by_rounding ? 1.0 + 1e-13 : 1.0);
   bool is_found = limit == 0.0;
   bool is_over = is_found;
+  bool is_cut_short = false;
   for (double part = 1.0; part > smallest_part && !is_over; part /= 2.0) {
     bool is_better = false;
+    bool has_cost = true;
     for (std::size_t i = 0; i < steps.count && (length > far || !is_better); ++i) {
       double twist[6];
       std::transform(steps.twists[i], steps.twists[i] + 6, twist, [part](double entry) { return part * entry; });
       const Pose moved = motion_.moved_by(start, twist);
       const double cost = cost_.cost(moved, loss);
+      has_cost = has_cost && std::isfinite(cost);
       if (!(cost < limit)) continue;
       limit = cost;
       next = {moved, cost, loss.scale, norm(twist + 3, 3), norm(twist, 3)};
@@ -103,16 +106,20 @@ double Descent::try_steps(const Steps& steps, const Robust_loss& loss, Descent_e
     }
     is_over = is_better ? length <= hidden_by_rounding || !falls_short(steps, part, start_cost - limit) : is_found;
     is_found = is_found || is_better;
+    is_cut_short = is_cut_short || !(is_better || has_cost);
   }
-  return length;
+  return {length, is_cut_short};
 }
 
-Descent::Verdict Descent::verdict(const Descent_entry& before, const Descent_entry& after, double length) const {
+/// A step that was cut short says nothing of how much further the cost falls.
+Descent::Verdict Descent::verdict(const Descent_entry& before, const Descent_entry& after, const Trial& trial) const {
+  const double length = trial.length;
   if (length <= options_.step_tolerance) return Refine_exit::step;
   if (length <= hidden_by_rounding && after.cost >= before.cost) return Refine_exit::rounding;
   if (after.turn == 0.0 && after.shift == 0.0) return Refine_exit::uphill;
   const double least = options_.function_tolerance * before.cost;
-  if (options_.function_tolerance > 0.0 && before.cost - after.cost < least) return Refine_exit::decrease;
+  if (options_.function_tolerance > 0.0 && !trial.is_cut_short && before.cost - after.cost < least)
+    return Refine_exit::decrease;
   return {};
 }
 

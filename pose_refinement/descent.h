@@ -47,10 +47,14 @@ class Descent {
 
  private:
   using Verdict = std::optional<Refine_exit>;  // none: to go on
+  struct Trial {
+    double length;      // of the first whole step
+    bool is_cut_short;  // because further on there is no cost
+  };
 
   bool start_scale(const Pose& start, Descent_state& state);
-  double try_steps(const Steps& steps, const Robust_loss& loss, Descent_entry& next);
-  Verdict verdict(const Descent_entry& before, const Descent_entry& after, double length) const;
+  Trial try_steps(const Steps& steps, const Robust_loss& loss, Descent_entry& next);
+  Verdict verdict(const Descent_entry& before, const Descent_entry& after, const Trial& trial) const;
   void lower_scale(Descent_entry& entry, Descent_state& state);
   double lowered_scale(const Pose& pose, const Descent_state& state);
 

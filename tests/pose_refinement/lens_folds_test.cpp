@@ -70,6 +70,26 @@ TEST(RefineThroughFoldedLens, StaysOnItsSideOfTheFold) {
   EXPECT_GT(num_short, 5);
 }
 
+/// Where the fold cuts steps short the cost falls by little, whatever there is to gain.
+TEST(RefineThroughFoldedLens, DoesNotTakeShortStepsForConvergence) {
+  Random random(seed);
+  const Lens lens = make_lens(kelvane::lens_model("SIMPLE_RADIAL"), {600, 320, 240, -1.0 / 3.0});
+  kelvane::Refine_options loose;
+  loose.function_tolerance = 1e-6;
+  int num_converged = 0;
+  for (int i = 0; i < 200; ++i) {
+    Refined_problem problem = scene_through(lens, random, 20, 20.0, 0.98);
+    problem.start.centre[2] += 0.05 * support::normal(random);
+    const Refine_result result = refine(problem.view(), loose);
+    if (static_cast<int>(result.exit) <= 0) continue;
+    ++num_converged;
+    problem.start = result.pose;
+    const Refine_result exact = refine(problem.view());
+    EXPECT_GT(static_cast<int>(exact.exit), 0) << i << " " << exact.message;
+  }
+  EXPECT_GT(num_converged, 150);
+}
+
 TEST(RefineThroughFoldedLens, SaysWhereAllPointsLieBeyond) {
   Random random(seed);
   Refined_problem problem = support::random_scene(random, 10, false, 0.0);
