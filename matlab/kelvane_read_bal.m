@@ -44,6 +44,7 @@ end
 
 %!error <needs the name of a file> kelvane_read_bal()
 %!error <file must be a text; this is of class cell> kelvane_read_bal({'problem.txt'})
+%!error <The name of the file is empty> kelvane_read_bal('')
 %!error <cannot be read> kelvane_read_bal(tempname())
 
 %!test  % pixels that the published formula makes lead to the camera that made them, through its distortion

@@ -60,6 +60,7 @@ end
 %!error <needs a file, the file that was read> kelvane_write_bal('a', 'b')
 %!error <source must be a text; this is of class double> kelvane_write_bal('a', 3, struct('name', {}, 'info', {}))
 %!error <results must be the struct array> kelvane_write_bal('a', 'b', 7)
+%!error <a result has no pose with rotation and centre: number 1> kelvane_write_bal('a', 'b', struct('name', 'camera 0', 'info', 5))
 %!test  % without a good result the poses stay
 %! source = tempname();
 %! file = fopen(source, 'w');

@@ -63,6 +63,7 @@ end
 
 %!error <needs a folder, the folder of the model> kelvane_write_colmap('a', 'b')
 %!error <folder must be a text; this is of class double> kelvane_write_colmap(3, 'b', struct('name', {}, 'info', {}))
+%!error <The name of the folder is empty> kelvane_write_colmap('', 'b', struct('name', {}, 'info', {}))
 %!error <results must be the struct array that kelvane_batch returns; this is of class cell> kelvane_write_colmap('a', 'b', {})
 
 %!test  % a model that is not there leaves no folder behind

@@ -9,7 +9,11 @@ function [poses, names] = poses_of_results(results)
   names = reshape({found.name}, 1, []);
   poses = zeros(12, numel(found));
   for k = 1:numel(found)
-    pose = found(k).info.pose;
-    poses(:, k) = [pose.rotation(:); pose.centre(:)];
+    try
+      pose = found(k).info.pose;
+      poses(:, k) = [pose.rotation(:); pose.centre(:)];
+    catch
+      error('kelvane:results', 'The info of a result has no pose with rotation and centre: number %d of those without error.', k);
+    end
   end
 end
