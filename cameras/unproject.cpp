@@ -88,6 +88,15 @@ Place place_before(const Lens& lens, const Place& moved, Place at) {
   return at;
 }
 
+/// How far from the middle the lens moves anything at most: to the pole, if there is one.
+double reach(const Lens& lens) {
+  const double s = lens.fold * lens.fold;
+  const double w = std::hypot(lens.tangential[0], lens.tangential[1]);
+  const double s_2 = std::hypot(lens.prism[0], lens.prism[2]);
+  const double s_4 = std::hypot(lens.prism[1], lens.prism[3]);
+  return std::abs(radial_at(lens, lens.fold)) + s * (3.0 * w + s_2 + s * s_4);
+}
+
 /// The place on the plane that the lens moves to another one, if any is.
 Place place_before(const Lens& lens, const Place& moved) {
   if (!lens.is_bent) return moved;
@@ -96,6 +105,7 @@ Place place_before(const Lens& lens, const Place& moved) {
   const double factor = distance > 0.0 ? radius / distance : 1.0;
   const Place radial{factor * moved.a, factor * moved.b};
   if (lens.is_radial) return radial;
+  if (distance > (1.0 + 1e-9) * reach(lens)) return {no_number, no_number};  // which many steps would find out
   return place_before(lens, moved, std::hypot(radial.a, radial.b) < lens.fold ? radial : Place{0.0, 0.0});
 }
 
