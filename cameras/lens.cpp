@@ -39,9 +39,10 @@ double fold_in_pixels(const Lens& lens) {
 }
 
 bool folds_inside(const Lens& lens, double width, double height) {
+  const bool is_centred = lens.model->looks_back;  // of BAL
   for (const double u : {0.0, width}) {
     for (const double v : {0.0, height}) {
-      const double corner[2] = {u, v};
+      const double corner[2] = {is_centred ? u - 0.5 * width : u, is_centred ? v - 0.5 * height : v};
       double direction[3];
       if (!unproject(lens, corner, direction)) return true;
     }

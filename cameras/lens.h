@@ -78,7 +78,7 @@ bool is_pinhole(const Lens& lens);
 double largest_angle(const Lens& lens);
 /// The distance from the principal point at which the image ends, in pixels along u; of the radial terms alone.
 double fold_in_pixels(const Lens& lens);
-/// Whether a corner of a picture from (0, 0) to (width, height) has no ray.
+/// Whether a corner of a picture from (0, 0) to (width, height) has no ray; of BAL's camera (0, 0) is in the middle.
 bool folds_inside(const Lens& lens, double width, double height);
 
 /// The pixel of a point of the camera frame, and its derivatives by the point where they are wanted. NaN where there is

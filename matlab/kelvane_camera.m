@@ -37,8 +37,9 @@
 %   All but the last three are COLMAP's. fisheyeIntrinsics is none of them and is refused.
 %
 %   Options:
-%     'ImageSize'  [width height] of the picture, pixels: warns where the lens folds back before the corners. By default
-%                  that of an object that knows it, else not looked at.
+%     'ImageSize'  [width height] of the picture, pixels: warns where the lens folds back before the corners, which are at
+%                  (0, 0) and [width height], of BAL's cameras at half of it from (0, 0). By default that of an object that
+%                  knows it, else not looked at.
 %
 %   Outputs:
 %     camera        struct with the fields
@@ -173,6 +174,11 @@ end
 %! assert(kelvane_camera([1 2 3]).fold, pi / 2, 1e-12);
 %! assert(kelvane_camera('OPENCV_FISHEYE', [1 1 0 0 0 0 0 0]).fold, pi);
 %!warning <from about 200 pixels around the principal point on, at 45 degrees> kelvane_camera('SIMPLE_RADIAL', [300 100 75 -1/3], 'ImageSize', [640 480]);
+%!test  % BAL's pixels count from the middle of the picture
+%! [~] = lastwarn('', '');
+%! kelvane_camera('BAL', [500 -1/3 0], 'ImageSize', [500 400]);  % 320 to the corner, 333 to the fold
+%! assert(lastwarn(), '');
+%!warning <from about 333.3 pixels> kelvane_camera('BAL', [500 -1/3 0], 'ImageSize', [540 400]);
 %!warning <from about 0 pixels around the principal point on> kelvane_camera(eye(3), [zeros(1, 12), 2, 0]);
 %!test  % so narrow a field of view is a pinhole's
 %! points = [0.1 -0.2; 0.3 0.5; 1 2];
