@@ -255,7 +255,7 @@ end
 %!error <points must be a matrix; this is 3 x 2 x 2> kelvane_refine(eye(4), rand(3, 2, 2), rand(2, 4), [1 0 0], 'PoseFrame', 'world_from_camera')
 %!error <points must be 3 x 5 or 5 x 3> kelvane_refine(eye(4), rand(3, 4), rand(2, 5), [1 0 0], 'PoseFrame', 'world_from_camera')
 %!error <points must be 3 x 3 or 3 x 3, as there are 3> kelvane_refine(eye(4), rand(3, 4), rand(3, 2), [1 0 0], 'PoseFrame', 'world_from_camera')
-%!error <With 2 x N observations the intrinsics must be \[f cx cy\]> kelvane_refine(eye(4), rand(3, 5), rand(2, 5), [], 'PoseFrame', 'world_from_camera')
+%!error <With 2 x N observations the intrinsics must be \[f cx cy\], K, cameraIntrinsics or a struct of kelvane_camera> kelvane_refine(eye(4), rand(3, 5), rand(2, 5), [], 'PoseFrame', 'world_from_camera')
 %!error <With 3 x N observations the intrinsics must be \[\]> kelvane_refine(eye(4), rand(3, 5), rand(3, 5), [1 0 0], 'PoseFrame', 'world_from_camera')
 %!error <observations\(:, 2\) has the length 0> kelvane_refine(eye(4), rand(3, 3), [1 0 1; 1 0 2; 1 0 3], [], 'PoseFrame', 'world_from_camera')
 %!error <Weights must be one for each of the 5 points> kelvane_refine(eye(4), rand(3, 5), rand(2, 5), [1 0 0], 'PoseFrame', 'world_from_camera', 'Weights', 1:4)

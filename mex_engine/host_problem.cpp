@@ -17,7 +17,7 @@ Camera_model camera_for(const mxArray* intrinsics, std::size_t d) {
   const Camera_model camera = read_camera(intrinsics);
   if (camera.sees_directions != (d == 3)) {
     refuse("intrinsics", "With " + text(d) + " x N observations the intrinsics must be " +
-                             (d == 3 ? "[]" : "[f cx cy], K or cameraIntrinsics") + ".");
+                             (d == 3 ? "[]" : "[f cx cy], K, cameraIntrinsics or a struct of kelvane_camera") + ".");
   }
   return camera;
 }
