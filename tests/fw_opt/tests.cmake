@@ -3,7 +3,7 @@
 kelvane_add_test(fw_opt/equation_weights)
 kelvane_add_framework_test(fw_opt/opt_func)
 kelvane_add_framework_test(fw_opt/grad_func)
-kelvane_add_framework_test(fw_opt/shared_functions)
+kelvane_add_framework_test(fw_opt/shared_functions ALONE)
 kelvane_add_framework_test(fw_opt/solver)
 kelvane_add_framework_test(fw_opt/solver_stopping)
 kelvane_add_framework_test(fw_opt/solver_errors)

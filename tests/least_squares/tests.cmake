@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: BSD-3-Clause
-kelvane_add_test(least_squares/aligned_buffer)
+kelvane_add_test(least_squares/aligned_buffer ALONE)
 kelvane_add_test(least_squares/reduction_kernels)
 kelvane_add_test(least_squares/triangle)
 kelvane_add_test(least_squares/small_system)

@@ -24,10 +24,6 @@ inline Matrix3 product(const Matrix3& a, const Matrix3& b) {
   return c;
 }
 
-inline fw::matrix<double> matrix_of(const Matrix3& m) {
-  return matrix_of({{m[0][0], m[0][1], m[0][2]}, {m[1][0], m[1][1], m[1][2]}, {m[2][0], m[2][1], m[2][2]}});
-}
-
 /// The rotation about r by its length: the exponential of the matrix of the cross product with r. Halved until the
 /// series converges quickly, then squared back.
 inline fw::matrix<double> rotation_by_series(const std::vector<double>& r) {
@@ -51,7 +47,8 @@ inline fw::matrix<double> rotation_by_series(const std::vector<double>& r) {
     }
   }
   for (; halvings > 0; --halvings) sum = product(sum, sum);
-  return matrix_of(sum);
+  return matrix_of(
+      {{sum[0][0], sum[0][1], sum[0][2]}, {sum[1][0], sum[1][1], sum[1][2]}, {sum[2][0], sum[2][1], sum[2][2]}});
 }
 
 /// p q, scalar last.

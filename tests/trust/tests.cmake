@@ -1,19 +1,20 @@
 # SPDX-License-Identifier: BSD-3-Clause
 # What must never happen, whatever comes in: tests of the whole module in the stand-in host.
-kelvane_add_test(trust/stand_in_host bare_mex_host)
+kelvane_add_test(trust/stand_in_host bare_mex_host ALONE)
 kelvane_add_test(trust/hostile_inputs mex_host)
 kelvane_add_test(trust/hostile_counts mex_host)
-kelvane_add_test(trust/threads mex_host)
-foreach(name IN ITEMS inputs counts states threads)
+kelvane_add_test(trust/threads mex_host ALONE)
+foreach(name IN ITEMS inputs counts states)
   kelvane_add_test(trust/engine_${name} engine_host)
 endforeach()
+kelvane_add_test(trust/engine_threads engine_host ALONE)
 if(NOT KELVANE_SANITIZE)  # what hangs hangs without instrumentation, too, and thousands of child processes take long with it
   kelvane_add_test(trust/watchdog mex_host)
   kelvane_add_test(trust/engine_watchdog engine_host)
 endif()
 foreach(name IN ITEMS memory allocations)
-  kelvane_add_test(trust/${name} mex_host ${CMAKE_DL_LIBS})
-  kelvane_add_test(trust/engine_${name} engine_host ${CMAKE_DL_LIBS})
+  kelvane_add_test(trust/${name} mex_host ${CMAKE_DL_LIBS} ALONE)
+  kelvane_add_test(trust/engine_${name} engine_host ${CMAKE_DL_LIBS} ALONE)
   foreach(target IN ITEMS trust_${name}_test trust_engine_${name}_test)
     target_sources(${target} PRIVATE trust/failing_memory.cpp)
   endforeach()
@@ -26,7 +27,7 @@ if(Valgrind_PROGRAM AND NOT KELVANE_SANITIZE AND NOT KELVANE_SANITIZE_THREADS)
   set(valgrind "${Valgrind_PROGRAM}" --quiet --error-exitcode=1 --leak-check=full
     --errors-for-leak-kinds=definite,indirect,possible --keep-debuginfo=yes)
   add_test(NAME trust/valgrind COMMAND ${valgrind}
-    $<TARGET_FILE:trust_hostile_counts_test> "--gtest_filter=*ThreeToSixInputs*:*TooFewPoints*")
+    $<TARGET_FILE:trust_tests_mex_host> "--gtest_filter=*ThreeToSixInputs*:*TooFewPoints*")
   add_test(NAME trust/engine_valgrind COMMAND ${valgrind}
-    $<TARGET_FILE:trust_engine_inputs_test> "--gtest_filter=*WithOtherFields*")
+    $<TARGET_FILE:trust_tests_engine_host> "--gtest_filter=*WithOtherFields*")
 endif()
