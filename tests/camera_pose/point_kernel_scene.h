@@ -5,11 +5,11 @@
 #include <algorithm>
 #include <array>
 #include <cstddef>
-#include <cstring>
 #include <vector>
 
 #include "camera_pose/point_kernels.h"
 #include "least_squares/aligned_buffer.h"
+#include "support/bits.h"
 #include "support/camera_model.h"
 #include "support/cases.h"
 
@@ -114,7 +114,7 @@ struct Output {
   double at(std::size_t column, std::size_t k, std::size_t output, std::size_t num_outputs) const {
     return memory[column * stride + (k / 8 * num_outputs + output) * 8 + k % 8];
   }
-  bool operator==(const Output& other) const { return std::memcmp(memory, other.memory, size * sizeof(double)) == 0; }
+  bool operator==(const Output& other) const { return support::have_same_bits(memory, other.memory, size); }
 };
 
 enum class Kernel { twist, parameters, differences, prediction };

@@ -196,7 +196,7 @@ const std::vector<Situation> situations = {
 class DegenerateSteps : public testing::TestWithParam<int> {};
 INSTANTIATE_TEST_SUITE_P(Types, DegenerateSteps, testing::Values(0, 1, 2, 10, 11, 12, -1, -2, -3));
 
-#ifdef __SANITIZE_ADDRESS__
+#ifdef KELVANE_SANITIZED
 const std::vector<std::size_t> sizes = {4, 30};
 #else
 const std::vector<std::size_t> sizes = {4, 30, 3000};

@@ -26,7 +26,7 @@ using support::Random;
 
 constexpr std::size_t num_scenes = 24;
 constexpr std::size_t enough_scenes = 20;
-#if defined(__SANITIZE_ADDRESS__)  // where every operation takes long, a part of the numbers goes every way of the code
+#if defined(KELVANE_SANITIZED)  // where every operation takes long, a part of the numbers goes every way of the code
 constexpr std::size_t num_agreement_scenes = 8;
 constexpr std::size_t enough_agreement_scenes = 5;
 #else

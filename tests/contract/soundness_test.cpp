@@ -25,7 +25,7 @@ constexpr int max_calls = 10;
 constexpr int first_found = 5;  // what is found once must not be lost again
 constexpr double focal_length = 1000.0;
 
-#ifdef __SANITIZE_ADDRESS__
+#ifdef KELVANE_SANITIZED
 const std::vector<std::size_t> sizes = {4, 100, 1000};
 #else
 const std::vector<std::size_t> sizes = {4, 6, 10, 100, 1000, 10000, 100000};

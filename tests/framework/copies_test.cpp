@@ -85,7 +85,7 @@ template <typename Hybrid>
 class AssignedHybrid : public testing::Test {};
 using Hybrids = testing::Types<Camera_position_grad_func_qu_aau_aan, Camera_position_grad_func_aau_qu_aan,
                                Camera_position_grad_func_aan_qu_aau>;
-TYPED_TEST_SUITE(AssignedHybrid, Hybrids);
+TYPED_TEST_SUITE(AssignedHybrid, Hybrids, );
 
 TYPED_TEST(AssignedHybrid, TakesPointsAndIntrinsicsAndKeepsWeightsAndBase) {
   const Vector x = {0.3, 0.4, 0.2, 0.7, -3.8, 2.1, -4.1};  // the last entry is not read of rotation vectors

@@ -22,7 +22,7 @@ using support::Random;
 
 constexpr std::uint64_t seed = 70779;
 constexpr double eps = std::numeric_limits<double>::epsilon();
-#ifdef __SANITIZE_ADDRESS__
+#ifdef KELVANE_SANITIZED
 constexpr std::uint64_t num_systems = 500;
 #else
 constexpr std::uint64_t num_systems = 10000;

@@ -25,7 +25,7 @@ using support::Random;
 constexpr std::uint64_t seed = 70411;
 constexpr std::size_t max_unknowns = 12;
 constexpr double eps = std::numeric_limits<double>::epsilon();
-#ifdef __SANITIZE_ADDRESS__
+#ifdef KELVANE_SANITIZED
 constexpr std::uint64_t num_blocks = 4 * 7 * max_unknowns;  // each kind at each size, some times over
 #else
 constexpr std::uint64_t num_blocks = 80 * 7 * max_unknowns;

@@ -5,9 +5,9 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <cstring>
 
 #include "least_squares/block.h"
+#include "support/bits.h"
 #include "support/instruction_sets.h"
 #include "support/matchers.h"
 #include "support/reference_lens.h"
@@ -66,9 +66,9 @@ TEST_P(LensKernels, HaveTheBitsOfTheNarrowestAndAgreeWithSinglePoints) {
           .residuals(scene.points.data(), n, scene.camera, scene.lens, scene.observed.data(), values);
       const std::size_t num_rows = (n + 7) / 8 * 16;
       for (std::size_t c = 0; c < 7; ++c) {
-        ASSERT_EQ(std::memcmp(block.column(c), narrow.column(c), num_rows * sizeof(double)), 0) << model.name << c;
+        ASSERT_TRUE(support::have_same_bits(block.column(c), narrow.column(c), num_rows)) << model.name << c;
       }
-      ASSERT_EQ(std::memcmp(block.column(6), values, num_rows * sizeof(double)), 0);
+      ASSERT_TRUE(support::have_same_bits(block.column(6), values, num_rows));
       for (std::size_t i = 0; i < (n + 7) / 8 * 8; ++i) {
         const std::size_t row = i / 8 * 16 + i % 8;
         double p[3] = {};

@@ -8,7 +8,7 @@
 namespace support {
 
 inline std::uint64_t count_for_round(std::uint64_t usual) {
-#ifdef __SANITIZE_ADDRESS__
+#ifdef KELVANE_SANITIZED
   return std::max<std::uint64_t>(1, usual / 10);
 #else
   return usual;

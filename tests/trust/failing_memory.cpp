@@ -13,7 +13,7 @@
 
 #include "mex_host.h"
 
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#if defined(KELVANE_SANITIZED) || defined(__SANITIZE_THREAD__)
 #define TRUST_SANITIZED
 #endif
 

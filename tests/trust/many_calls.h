@@ -24,7 +24,7 @@ inline long resident_kilobytes() {
   return -1;
 }
 
-#if defined(__SANITIZE_ADDRESS__)  // it finds a single lost block, and takes long
+#if defined(KELVANE_SANITIZED)  // it finds a single lost block, and takes long
 inline constexpr std::size_t many = 2000;
 #else
 inline constexpr std::size_t many = 20000;
@@ -52,7 +52,7 @@ inline void expect_flat_memory(const std::vector<Tested_call>& calls, std::size_
             << " kB\n";
   EXPECT_EQ(num_blocks_left, 0);
   // Some pages come and go; one block lost by each call would be more. A sanitizer keeps freed blocks aside.
-#if !defined(__SANITIZE_ADDRESS__)
+#if !defined(KELVANE_SANITIZED)
   EXPECT_LT(after - before, 1024);
 #endif
 }
