@@ -9,6 +9,7 @@
 
 #include "pose_refinement/motion.h"
 #include "support/flat_scenes.h"
+#include "support/long_round.h"
 #include "support/long_run.h"
 
 namespace {
@@ -121,7 +122,7 @@ double cost_of_rms(double rms) { return rms * rms * static_cast<double>(num_poin
 
 /// The refinement's pose is the best of all minima, and its alternative the second one.
 TEST(Alternative, IsTheOtherMinimumOfASearch) {
-  const int num_scenes = support::is_long_run() ? 1000 : 40;
+  const int num_scenes = support::is_long_run() ? 1000 : static_cast<int>(support::count_for_round(40));
   const int num_starts = support::is_long_run() ? 200 : 40;
   support::Random random(21);
   int num_with_two = 0;
@@ -156,7 +157,8 @@ TEST(Alternative, IsTheOtherMinimumOfASearch) {
 /// Boards in photographs, near enough to the camera that most have one minimum.
 TEST(Alternative, OfRealBoardsIsThatOfASearch) {
   support::Random random(25);
-  for (int id = 1; id <= 6; ++id) {
+  const int num_boards = static_cast<int>(support::count_for_round(6));
+  for (int id = 1; id <= num_boards; ++id) {
     SCOPED_TRACE(id);
     const Refined_problem problem = support::measured_problem("chessboard", id, false);
     const Refine_result found = refine(problem.view());

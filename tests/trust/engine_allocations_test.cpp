@@ -68,7 +68,14 @@ class EngineAllocations : public testing::TestWithParam<mex_host::Error_call> {
 };
 
 TEST_P(EngineAllocations, FailInAGoodCall) {
-  for (const trust::Tested_call& call : engine::good_calls()) {
+  const std::vector<trust::Tested_call> calls = engine::good_calls();
+#ifdef KELVANE_SANITIZED  // where each takes long, some of every question
+  constexpr std::size_t every = 5;
+#else
+  constexpr std::size_t every = 1;
+#endif
+  for (std::size_t i = 0; i < calls.size(); i += every) {
+    const trust::Tested_call& call = calls[i];
     const Result whole = call.run();
     ASSERT_TRUE(engine::gives_results(whole));
     fail_everything(
