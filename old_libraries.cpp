@@ -46,13 +46,16 @@ void operator delete(void* memory, std::size_t /*size*/, std::align_val_t /*alig
 // glibc keeps functions under the versions that they first had, and the linker takes the newest: led back to the first.
 asm(".symver first_exp, exp@GLIBC_2.2.5");      // GLIBC_2.29
 asm(".symver first_log, log@GLIBC_2.2.5");      // GLIBC_2.29
+asm(".symver first_pow, pow@GLIBC_2.2.5");      // GLIBC_2.29
 asm(".symver first_hypot, hypot@GLIBC_2.2.5");  // GLIBC_2.35
 extern "C" {
 double first_exp(double x);
 double first_log(double x);
+double first_pow(double x, double y);
 double first_hypot(double x, double y);
 double exp(double x) noexcept { return first_exp(x); }
 double log(double x) noexcept { return first_log(x); }
+double pow(double x, double y) noexcept { return first_pow(x, y); }
 double hypot(double x, double y) noexcept { return first_hypot(x, y); }
 }
 

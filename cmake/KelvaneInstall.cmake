@@ -18,6 +18,7 @@ set(engine_headers
   model_files/colmap_model.h
   model_files/model_file.h
   model_files/write_poses.h
+  pose_estimation/estimate.h
   pose_refinement/camera_model.h
   pose_refinement/pose.h
   pose_refinement/refine.h

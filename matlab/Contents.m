@@ -2,6 +2,7 @@
 %
 % Refinement
 %   kelvane_refine         - Refine a camera pose until it is still, with weights, robust losses and the uncertainty of the result.
+%   kelvane_estimate       - Find a camera pose without a start, from points and observations many of which may be wrong.
 %   kelvane_batch          - Refine many camera poses, on all processors or machines.
 %   kelvane_mex            - Refine a camera pose from 3D points and their observations.
 %

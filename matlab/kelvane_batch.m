@@ -11,7 +11,8 @@
 %   Inputs:
 %     problems  struct array, or cell with a struct for each problem, as kelvane_read_colmap and kelvane_read_bal return
 %               it, with the fields
-%       start, points, observations, intrinsics  the inputs of kelvane_refine, in its sizes, units and frames
+%       start, points, observations, intrinsics  the inputs of kelvane_refine, in its sizes, units and frames; start may be
+%                                                [] or missing, and is then estimated first, as in kelvane_refine
 %       name                                     text for the table, by default the number of the problem
 %       options                                  options of kelvane_refine for this problem alone, a struct
 %     Other fields are not looked at.
@@ -66,7 +67,7 @@
 %     x = 0.300000
 %     problem 2: points(3, 1) is NaN. All of it must be finite numbers.
 %
-%   See also kelvane_refine, kelvane_read_colmap, kelvane_read_bal, kelvane_plot.
+%   See also kelvane_refine, kelvane_estimate, kelvane_read_colmap, kelvane_read_bal, kelvane_plot.
 
 % SPDX-License-Identifier: BSD-3-Clause
 % Many refinements by the engines that the hosts have.
@@ -114,14 +115,47 @@ function [results, batch] = refined(problems, results, options, batch)
   k = find(is_open & ~is_watched);
   if isempty(k)
     return;
-  elseif strcmp(batch.Engine, 'threads')
-    [rows, batch] = rows_by_threads(problems(k), options, batch);
-  else
-    [rows, batch] = rows_by_processes(problems(k), options, batch);
   end
+  [rows, batch] = rows_of(problems(k), options, batch);
   rows = rmfield(rows, 'state');
   [rows.name] = results(k).name;
   results(k) = with_objects(orderfields(rows, results), own(k));
+end
+
+% Those without a start are estimated before, as in kelvane_refine; where that leaves a doubt it is the result.
+function [rows, batch] = rows_of(problems, options, batch)
+  has_start = ~cellfun('isempty', {problems.start});
+  if all(has_start)
+    [rows, batch] = rows_by_engine('refine', problems, options, batch);
+    return;
+  end
+  if isempty([problems.options])
+    [problems.options] = deal(options);
+  end
+  [estimates, batch] = rows_by_engine('estimate', problems(~has_start), options, batch);
+  rows(~has_start) = estimates;
+  is_found = [estimates.exitflag] > 0;
+  found = find(~has_start);
+  found = found(is_found);
+  estimates = estimates(is_found);
+  problems(found) = with_estimates(problems(found), estimates);
+  has_start(found) = true;
+  if any(has_start)
+    [rows(has_start), batch] = rows_by_engine('refine', problems(has_start), options, batch);
+  end
+  for k = 1:numel(found)
+    if isempty(rows(found(k)).error)
+      rows(found(k)).info = with_estimate_told(rows(found(k)).info, estimates(k).info);
+    end
+  end
+end
+
+function [rows, batch] = rows_by_engine(verb, problems, options, batch)
+  if strcmp(batch.Engine, 'threads')
+    [rows, batch] = rows_by_threads(verb, problems, options, batch);
+  else
+    [rows, batch] = rows_by_processes(verb, problems, options, batch);
+  end
 end
 
 function result = watched(problem, result, options)
@@ -215,6 +249,35 @@ end
 %! assert(results(2).identifier, 'kelvane:size');
 %! assert(isempty(results(2).pose) && isempty(results(2).info) && isnan(results(2).rms_after));
 %! assert([results([1, 3]).exitflag] > 0);
+
+%!test  % without a start each is estimated first, as by kelvane_refine
+%! problems = some_problems(6);
+%! points = [problems(1).points, [0.4 -0.3 0.2; -0.6 0.7 0.1; 0.3 -0.2 -0.4]];
+%! for k = 1:6
+%!   truth = kelvane_pose([0.1 0 0.02 * k, 0.1 * k, 0, -4], 'rotation_vector', 'world_from_camera');
+%!   problems(k).points = points;
+%!   problems(k).observations = kelvane_project(truth, points, [500 320 240]) + 0.3 * sin(k * [1:9; 3:11]);
+%! end
+%! problems(2).observations(:, [1 4]) = problems(2).observations(:, [4 1]);
+%! problems(3).observations(:, 4:9) = NaN;
+%! problems(5).points = points(:, 1:8);
+%! [problems([2 3 5]).start] = deal([]);
+%! results = kelvane_batch(problems, 'Progress', 'off', 'OutputForm', 'colmap');
+%! for k = [1 2 3 4 6]
+%!   p = problems(k);
+%!   [pose, info] = kelvane_refine(p.start, p.points, p.observations, p.intrinsics, 'OutputForm', 'colmap');
+%!   assert(isequaln(results(k).pose, pose) && isequaln(results(k).info, info), sprintf('problem %d', k));
+%! end
+%! assert([results.exitflag], [1 1 -4 1 NaN 1]);
+%! assert(find(~results(2).info.inliers), [1 4]);
+%! assert(strncmp(results(2).info.message, 'Started from an estimate with which 7 of 9 points agree. Conv', 50));
+%! assert(isempty(results(5).info) && strcmp(results(5).identifier, 'kelvane:size'));
+%! startless = rmfield(problems, 'start');
+%! results = kelvane_batch(startless, 'Progress', 'off');
+%! for engine = {'threads', 'serial', 'parfor'}
+%!   assert(isequaln(kelvane_batch(startless, 'Progress', 'off', 'Engine', engine{1}), results));
+%! end
+%! assert([results.exitflag] > 0, [true true false true false true]);
 
 %!test  % options of one problem go before those of all
 %! problems = some_problems(2);

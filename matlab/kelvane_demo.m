@@ -19,6 +19,7 @@
 %     chessboard  six photographs of a chessboard, refined with four rotation types
 %     types       the seven rotation types for pixels racing on one view
 %     outliers    a fifth of the corners in wrong places, with and without a robust loss
+%     matches     60 % of the corners mistaken for each other, and no start
 %     bearings    a wide-angle camera, some directions more than 90 degrees off its axis
 %     colmap      a whole COLMAP model, read, refined on all processors and written back
 %     convergence the seven rotation types for pixels on six photographs of a chessboard
@@ -60,6 +61,7 @@ function demos = all_demos()
           {'chessboard_all_types.png', 'chessboard_convergence.png', 'chessboard_corners.png'}
           'types', 'the seven rotation types for pixels racing on one view', {'chessboard_all_types.png'}
           'outliers', 'a fifth of the corners in wrong places, with and without a robust loss', {'outliers.png'}
+          'matches', '60 % of the corners mistaken for each other, and no start', {'matches.png'}
           'bearings', 'a wide-angle camera, some directions more than 90 degrees off its axis', {'bearings.png'}
           'colmap', 'a whole COLMAP model, read, refined on all processors and written back', {'colmap.png'}
           'convergence', 'the seven rotation types for pixels on six photographs of a chessboard', {'convergence_of_types.png'}

@@ -8,7 +8,8 @@
 %   observed. A pose worse than pose0 is never returned.
 %
 %   Inputs: finite real numbers of any class; an observation may be NaN.
-%     pose0         where to start: the struct of kelvane_pose, or any of its forms, named by 'PoseForm' and 'PoseFrame'
+%     pose0         where to start: the struct of kelvane_pose, or any of its forms, named by 'PoseForm' and 'PoseFrame'; or
+%                   [], see below
 %     points        3 x N or N x 3: world points, N of 3 or more; 3 x 3 lie as the observations do, in columns or in rows
 %     observations  2 x N or N x 2: pixels (u, v); or 3 x N or N x 3: directions to the points in the camera frame, of any
 %                   length but zero; 3 x 3 are columns. Points may then lie anywhere around the camera. A point with a
@@ -17,6 +18,9 @@
 %                   [fx s cx; 0 fy cy; 0 0 1], or a multiple of it; or MATLAB's cameraIntrinsics or cameraParameters, whose
 %                   distortion counts. Of directions: []. The cost is in the pixels that were measured, through the lens and
 %                   for every K. A point that lies beyond where the lens folds back, as pose0 sees it, is left out.
+%
+%   Without a pose0, [], kelvane_estimate finds it first, with its own defaults. Its inliers are what is refined then: the
+%   other points are left out. Where the estimate is in doubt, its exitflag below 0, it is what comes back, with its message.
 %
 %   Options, by name in any capitals, or as a struct:
 %     'PoseForm'           form of pose0, see kelvane_pose; needed where its size leaves a doubt
@@ -59,8 +63,9 @@
 %       exitflag       above 0: converged. 1 StepTolerance, 2 limit of rounding, 3 FunctionTolerance. Otherwise: 0
 %                      MaxIterations, -1 OutputFcn, -2 no part of the step lowers the cost, -3 the start has no finite
 %                      cost, -4 the points do not determine the pose, -5 more than half of the weight lies behind the
-%                      camera, -6 ambiguous: converged, but the other tilt of a flat target fits as well
-%       message        the same in words
+%                      camera, -6 ambiguous: converged, but the other tilt of a flat target fits as well; without a pose0
+%                      also -8, no consensus
+%       message        the same in words; without a pose0 also how many points agreed
 %       rms_before, rms_after  square root of the cost of a point on average, of pose0 and pose, in pixels or radians; with a
 %                      loss both at loss_scale, with which history is told too. Display and OutputFcn tell it as it
 %                      is on the way, while the scale still comes down.
@@ -95,7 +100,7 @@
 %   Output:
 %     centre (0.100000, -0.200000, -4.000000), RMS 8.1 before, 0.0 after
 %
-%   See also kelvane_camera, kelvane_pose, kelvane_project, kelvane_batch, kelvane_plot, kelvane_mex.
+%   See also kelvane_estimate, kelvane_camera, kelvane_pose, kelvane_project, kelvane_batch, kelvane_plot, kelvane_mex.
 
 % SPDX-License-Identifier: BSD-3-Clause
 % The door to the refinement of kelvane_engine, which the user can interrupt and watch.
@@ -104,6 +109,10 @@ function [pose, info] = kelvane_refine(pose0, points, observations, intrinsics, 
     error('kelvane:inputs', 'kelvane_refine needs pose0, points, observations and intrinsics ([] for bearing vectors).');
   end
   options = refine_options(varargin);
+  if isempty(pose0)
+    [pose, info] = refined_estimate(points, observations, intrinsics, options);
+    return;
+  end
   [pose0, options.PoseForm] = plain_pose(pose0, options.PoseForm);
   form = options.OutputForm;
   if isempty(form)
@@ -128,6 +137,19 @@ function [pose, info] = kelvane_refine(pose0, points, observations, intrinsics, 
   if ~strcmp(options.Display, 'off')
     fprintf('%s\nRMS %.6g before, %.6g after %d iteration%s.\n', info.message, info.rms_before, info.rms_after, ...
             info.iterations, repmat('s', 1, info.iterations ~= 1));
+  end
+end
+
+% With an estimate for a start; what it throws out is not seen.
+function [pose, info] = refined_estimate(points, observations, intrinsics, options)
+  estimate = estimated(points, observations, intrinsics, options);
+  pose = estimate.pose;
+  info = estimate.info;
+  if info.exitflag > 0
+    problem = struct('start', [], 'points', [], 'observations', [], 'options', options);
+    problem = with_estimates(problem, estimate);
+    [pose, info] = kelvane_refine(problem.start, problem.points, problem.observations, intrinsics, problem.options);
+    info = with_estimate_told(info, estimate.info);
   end
 end
 
@@ -227,6 +249,29 @@ end
 %!   assert(info.iterations, 2);
 %! end
 
+%!test  % without a start it is estimated; what that throws out is left out, and doubts come back as they are
+%! k = 1:40;
+%! points = [sin(7 * k); cos(11 * k); sin(13 * k + 1)];
+%! [~, K, ~, truth] = scene();
+%! pixels = kelvane_project(truth, points, K) + 0.5 * [sin(17 * k); cos(19 * k)];
+%! pixels(:, 1:20) = pixels(:, [2:20, 1]);
+%! [pose, info] = kelvane_refine([], points, pixels, K, 'Weights', 1 + mod(k, 3), 'PoseForm', 'colmap');
+%! estimate = kelvane_estimate(points, pixels, K);
+%! [expected, alone] = kelvane_refine(estimate, points(:, 21:40), pixels(:, 21:40), K, 'Weights', 1 + mod(21:40, 3));
+%! assert(size(pose), [1, 2]);
+%! assert({info.pose.rotation, info.pose.centre}, {expected.rotation, expected.centre}, 1e-9);
+%! assert(find(info.inliers), 21:40);
+%! assert(info.num_left_out, 20);
+%! assert(info.observations, pixels);
+%! assert(info.message, ['Started from an estimate with which 20 of 40 points agree. ', alone.message]);
+%! [pose, info] = kelvane_refine([], points(:, 1:3), pixels(:, 1:3), K, 'OutputForm', 'rotation_vector', 'Loss', 'huber');
+%! assert(info.exitflag, -4);
+%! assert(all(isnan(pose)) && numel(pose) == 6);
+%! text = evalc('kelvane_refine([], points, pixels, K, ''Display'', ''final'');');
+%! assert(numel(strfind(text, "\n")), 4);
+%! fail('kelvane_refine([], points, pixels, K, ''Weights'', 1:4)', 'Weights must be one for each of the 40 points');
+
+%!error <Fixed needs pose0> kelvane_refine([], rand(3, 5), rand(2, 5), [1 0 0], 'Fixed', 'height')
 %!error <needs pose0, points, observations and intrinsics> kelvane_refine(1, 2, 3)
 %!error <Did you mean 'MaxIterations'> kelvane_refine(eye(4), rand(3, 5), rand(2, 5), [1 0 0], 'MaxIter', 5)
 %!error <the last one has no value> kelvane_refine(eye(4), rand(3, 5), rand(2, 5), [1 0 0], 'Loss')

@@ -10,7 +10,7 @@
 %     file     text, where to write; it may be source itself
 %     source   text, the file that was read
 %     results  struct array that kelvane_batch returned; names are those of the cameras, 'camera 0' for the first. Results
-%              with an error are left out.
+%              with an error or without a pose are left out.
 %
 %   Example:
 %     bal = tempname();
@@ -74,3 +74,17 @@ end
 
 %!error <results\(1\) is not of a camera> kelvane_write_bal('a', 'b', struct('name', ['camera 1', 228], 'info', struct('pose', kelvane_pose(eye(4)(1:3, :), 'matrix3x4', 'camera_from_world'))))
 %!error <results\(1\) is not of a camera> kelvane_write_bal('a', 'b', struct('name', 'a.jpg', 'info', struct('pose', kelvane_pose(eye(4)(1:3, :), 'matrix3x4', 'camera_from_world'))))
+
+%!test  % an estimate that found no pose leaves that of the file
+%! source = tempname();
+%! target = tempname();
+%! removing = onCleanup(@() cellfun(@delete, {source, target}));
+%! file = fopen(source, 'w');
+%! fprintf(file, '1 3 3\n0 0 0 0\n0 1 10 0\n0 2 0 10\n0\n0\n0\n0\n0\n0\n100\n0\n0\n');
+%! fprintf(file, '%g\n', [0 0 -10, 1 0 -10, 0 1 -10]);
+%! fclose(file);
+%! problems = rmfield(kelvane_read_bal(source), 'start');
+%! results = kelvane_batch(problems, 'Progress', 'off');
+%! assert(results.exitflag, -4);
+%! kelvane_write_bal(target, source, results);
+%! assert(fileread(target), fileread(source));

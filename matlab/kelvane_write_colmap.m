@@ -11,7 +11,8 @@
 %   Inputs:
 %     folder   text, where to write
 %     model    text, the folder that was read
-%     results  struct array that kelvane_batch returned; names are those of the images. Results with an error are left out.
+%     results  struct array that kelvane_batch returned; names are those of the images. Results with an error or
+%              without a pose are left out.
 %              Poses of any exitflag are written: take those that you want, as results([results.exitflag] > 0).
 %
 %   Where the model has frames (COLMAP 3.12 and later), COLMAP takes the poses from these: they get them as well as the

@@ -53,7 +53,10 @@ end
 function values = values_of(info)
   values = NaN(1, 18);
   if ~isempty(info)
-    pose = kelvane_pose(info.pose, 'colmap');
+    pose = {NaN(1, 4), NaN(1, 3)};
+    if ~any(isnan(info.pose.centre))
+      pose = kelvane_pose(info.pose, 'colmap');
+    end
     values = [size(info.points, 2), info.num_inliers, pose{1}, pose{2}, info.pose.centre', sqrt(diag(info.covariance))'];
   end
 end
@@ -67,6 +70,14 @@ end
 %!error <needs results and the name of a file> kelvane_write_csv(struct())
 %!error <results must be the struct array> kelvane_write_csv(struct('name', 'a'), 'file')
 %!error <file must be a text; this is of class double> kelvane_write_csv(kelvane_batch({}), 3)
+
+%!test  % no pose where an estimate has found none
+%! problem = struct('points', eye(3), 'observations', [1 2 3; 4 5 7], 'intrinsics', [500 320 240]);
+%! file = tempname();
+%! kelvane_write_csv(kelvane_batch(problem, 'Progress', 'off'), file);
+%! lines = strsplit(fileread(file), "\n");
+%! delete(file);
+%! assert(lines{2}, ['1,-4', repmat(',NaN', 1, 2), ',3,0', repmat(',NaN', 1, 10), repmat(',Inf', 1, 6), ',']);
 
 %!test  % every number reads back, names keep their commas, an error leaves NaN
 %! points = [-1 1 1 -1 0 0.5; -1 -1 1 1 0 0.3; 0 0.2 0 0.4 1 -0.5];

@@ -18,6 +18,8 @@ struct Question {
 constexpr Question questions[] = {
     {"refine", 5, 8, 1, refine_poses},
     {"descend", 5, 8, 1, descend},
+    {"estimate", 4, 7, 1, estimate_poses},
+    {"search", 4, 7, 1, search_poses},
     {"project", 3, 4, 3, project_points},
     {"pose", 1, 5, 1, convert_pose},
     {"camera", 1, 4, 2, describe_camera},

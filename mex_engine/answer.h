@@ -38,6 +38,11 @@ std::unique_ptr<Answer> refine_poses(const Inputs& inputs);
 /// states = ('descend', the same): a cell of rows with which 'refine' goes on or, where it is over, makes the result;
 /// [] after an error, where the start has no cost, and where nothing has begun.
 std::unique_ptr<Answer> descend(const Inputs& inputs);
+/// results = ('estimate', points, observations, intrinsics, options, states, seconds, num_threads)
+/// the same without a start, by the options of kelvane_estimate.
+std::unique_ptr<Answer> estimate_poses(const Inputs& inputs);
+/// states = ('search', the same): as 'descend', the trials alone.
+std::unique_ptr<Answer> search_poses(const Inputs& inputs);
 /// [seen, J, depth] = ('project', pose, points, intrinsics, options)
 /// of N points: d x N, d * N x 6 by [w; dt], and 1 x N. options: a struct with PoseForm and PoseFrame.
 std::unique_ptr<Answer> project_points(const Inputs& inputs);

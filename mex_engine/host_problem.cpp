@@ -22,22 +22,36 @@ Camera_model camera_for(const mxArray* intrinsics, std::size_t d) {
   return camera;
 }
 
+/// In place of a start: any pose, in the form that a start would have had.
+Given_pose no_pose(const Given_options& options) {
+  const Pose_form& form = pose_form(options.pose_form.empty() ? "pose" : options.pose_form);
+  const bool has_frame = !options.pose_form.empty() && !is_struct(form);
+  return {{}, &form, has_frame ? frame_of(form, options.pose_frame) : Pose_frame::world_from_camera};
+}
+
 }  // namespace
 
 Host_problem::Host_problem(const Given_inputs& inputs, const Given_options& options)
     : options_(options),
-      start_(read_raw_pose(inputs.start, options.pose_form, options.pose_frame)),
-      observations_(read_observations(inputs.observations, has_known(options) ? inputs.points : nullptr)),
+      has_start_(inputs.start != nullptr),
+      start_(has_start_ ? read_raw_pose(inputs.start, options.pose_form, options.pose_frame) : no_pose(options)),
+      observations_(
+          read_observations(inputs.observations, has_known(options) || !has_start_ ? inputs.points : nullptr)),
       points_(read_points(inputs.points, observations_)),
       has_camera_struct_(is_camera_struct(inputs.intrinsics)) {
   const Camera_model camera = camera_for(inputs.intrinsics, observations_.numbers.rows());
   problem_ = {start_.pose, numbers_of(points_), numbers_of(observations_), camera};
-  if (options.weights != nullptr) {
-    weights_ = read_weights(options.weights, observations_);
+  if (has_start_) read_known(inputs.start);
+  if (!has_start_ && options.fixed != nullptr) refuse("option", "Fixed needs pose0, of which it keeps directions.");
+  choose_output();
+}
+
+void Host_problem::read_known(const mxArray* given_start) {
+  if (options_.weights != nullptr) {
+    weights_ = read_weights(options_.weights, observations_);
     problem_.weights = numbers_of(*weights_);
   }
-  known_.emplace(options, inputs.start, start_, observations_, problem_);
-  choose_output();
+  known_.emplace(options_, given_start, start_, observations_, problem_);
 }
 
 void Host_problem::choose_output() {

@@ -12,9 +12,9 @@
 
 namespace kelvane::mex_engine {
 
-/// The inputs of kelvane_refine.
+/// The inputs of kelvane_refine or, without a start, of kelvane_estimate.
 struct Given_inputs {
-  const mxArray* start;
+  const mxArray* start;  ///< null for an estimate
   const mxArray* points;
   const mxArray* observations;
   const mxArray* intrinsics;
@@ -29,6 +29,7 @@ class Host_problem {
   Host_problem& operator=(const Host_problem&) = delete;
 
   const Refine_problem& problem() const { return problem_; }
+  bool has_start() const { return has_start_; }
   const Given_options& options() const { return options_; }
   const Columns& points() const { return points_; }
   const Columns& observations() const { return observations_; }
@@ -44,9 +45,11 @@ class Host_problem {
   bool is_output_struct() const { return is_struct(*output_form_); }
 
  private:
+  void read_known(const mxArray* given_start);
   void choose_output();
 
   const Given_options& options_;
+  const bool has_start_;
   Given_pose start_;
   Columns observations_, points_;
   std::optional<Columns> weights_;

@@ -39,13 +39,30 @@ void read_positive(const mxArray* value, const char* name, double& number) {
   }
 }
 
-void read_iterations(const mxArray* value, int& number) {
-  double wanted = number;
-  read_number(value, words.max_iterations, wanted);
+/// Takes a whole number of 0 or more, where there is one; it may be larger than the largest.
+template <typename Whole>
+void read_whole(const mxArray* value, const char* name, Whole& number) {
+  double wanted = static_cast<double>(number);
+  read_number(value, name, wanted);
   if (wanted != std::floor(wanted)) {
-    refuse("option", std::string(words.max_iterations) + " must be a whole number; this is " + text_of(wanted) + ".");
+    refuse("option", std::string(name) + " must be a whole number; this is " + text_of(wanted) + ".");
   }
-  number = static_cast<int>(std::min(wanted, static_cast<double>(std::numeric_limits<int>::max())));
+  constexpr double most = std::min(9e15, static_cast<double>(std::numeric_limits<Whole>::max()));  // 2^53 and below
+  number = static_cast<Whole>(std::min(wanted, most));
+}
+
+void read_search(const mxArray* options, Given_options& given) {
+  const auto of = [&](const char* name) { return field(options, 0, name); };
+  Estimate_options& estimate = given.estimate;
+  read_positive(of("MaxReprojectionError"), "MaxReprojectionError", given.max_pixels);
+  read_positive(of("MaxAngle"), "MaxAngle", given.max_angle);
+  if (is_given(of("Confidence"))) estimate.confidence = number_in(of("Confidence"));
+  if (!(estimate.confidence > 0.0 && estimate.confidence < 1.0)) {
+    refuse("option", "Confidence must be a number above 0 and below 1.");
+  }
+  read_whole(of("MaxNumTrials"), "MaxNumTrials", estimate.max_num_trials);
+  if (estimate.max_num_trials == 0) refuse("option", "MaxNumTrials must be a number of 1 or more.");
+  read_whole(of("Seed"), "Seed", estimate.seed);
 }
 
 void read_loss(const mxArray* value, Loss& loss) {
@@ -66,11 +83,12 @@ Given_options read_options(const mxArray* options) {
   Given_options given;
   const auto of = [&](const char* name) { return field(options, 0, name); };
   read_loss(of("Loss"), given.refine.loss);
-  read_iterations(of("MaxIterations"), given.refine.max_iterations);
+  read_whole(of("MaxIterations"), words.max_iterations, given.refine.max_iterations);
   read_number(of("StepTolerance"), words.step_tolerance, given.refine.step_tolerance);
   read_number(of("FunctionTolerance"), words.function_tolerance, given.refine.function_tolerance);
   read_positive(of("LossScale"), words.loss_scale, given.refine.loss_scale);
   read_positive(of("NoiseSigma"), "NoiseSigma", given.refine.noise_sigma);
+  read_search(options, given);
   given.pose_form = text_in(of("PoseForm"), "PoseForm");
   given.pose_frame = text_in(of("PoseFrame"), "PoseFrame");
   given.output_form = text_in(of("OutputForm"), "OutputForm");

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
-// The options of a refinement as hosts hand them over.
+// The options of a refinement or an estimate as hosts hand them over.
 #pragma once
 
 #include <mex.h>
@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <string>
 
+#include "pose_estimation/estimate.h"
 #include "pose_refinement/refine.h"
 #include "pose_refinement/words.h"
 
@@ -18,6 +19,8 @@ inline constexpr Words words{1, "StepTolerance", "FunctionTolerance", "MaxIterat
 /// What a struct of options says, with empty texts and null for what it leaves open.
 struct Given_options {
   Refine_options refine;
+  Estimate_options estimate;  ///< but for max_error, which depends on the camera
+  double max_pixels = 0, max_angle = 0;
   const mxArray* weights = nullptr;
   const mxArray* covariances = nullptr;
   const mxArray* prior = nullptr;

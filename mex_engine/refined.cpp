@@ -12,10 +12,10 @@
 namespace kelvane::mex_engine {
 namespace {
 
-constexpr const char* names[] = {"is_found",        "figures",     "pose",      "covariance", "is_start",
-                                 "is_struct",       "num_steps",   "steps",     "message",    "identifier",
-                                 "has_alternative", "alternative", "residuals", "inliers",    "points",
-                                 "observations",    "intrinsics",  "written",   "state"};
+constexpr const char* names[] = {
+    "is_found", "figures",      "pose",       "covariance",      "is_start",    "is_struct",   "num_steps",
+    "steps",    "message",      "identifier", "has_alternative", "alternative", "residuals",   "inliers",
+    "points",   "observations", "intrinsics", "written",         "state",       "is_estimate", "search"};
 constexpr std::size_t num_names = sizeof names / sizeof names[0];
 
 mxArray* created_flags(const std::vector<unsigned char>& flags) {
@@ -38,25 +38,33 @@ double* put_step(const Refine_step& step, double* to) {
 }
 
 /// Everything that is one number. Of a refinement on the way its number of iterations alone.
-void put_figures(const Refine_task& task, double* to) {
+void put_figures(const Task& task, double* to) {
   const Refine_result& found = task.result;
-  const double figures[] = {
-      static_cast<double>(found.exit),
-      found.before.robust,
-      found.after.robust,
-      found.before.plain,
-      found.after.plain,
-      found.before.inliers,
-      found.after.inliers,
-      task.is_over ? static_cast<double>(found.history.size()) - 1.0 : static_cast<double>(task.num_iterations),
-      found.noise_sigma,
-      static_cast<double>(found.num_inliers),
-      found.loss_scale,
-      static_cast<double>(found.num_behind),
-      static_cast<double>(found.num_left_out)};
+  const std::size_t num_iterations = found.history.empty() ? 0 : found.history.size() - 1;
+  const double figures[] = {static_cast<double>(found.exit),
+                            found.before.robust,
+                            found.after.robust,
+                            found.before.plain,
+                            found.after.plain,
+                            found.before.inliers,
+                            found.after.inliers,
+                            static_cast<double>(task.is_over ? num_iterations : task.num_iterations),
+                            found.noise_sigma,
+                            static_cast<double>(found.num_inliers),
+                            found.loss_scale,
+                            static_cast<double>(found.num_behind),
+                            static_cast<double>(found.num_left_out)};
   std::copy(std::begin(figures), std::end(figures), to);
 }
 constexpr std::size_t num_figures = 13;
+
+void put_search(const Estimate_task& task, double* to) {
+  const double numbers[] = {static_cast<double>(task.progress.num_trials),
+                            static_cast<double>(task.progress.num_trials_needed),
+                            static_cast<double>(task.progress.num_inliers), task.log10_chance};
+  std::copy(std::begin(numbers), std::end(numbers), to);
+}
+constexpr std::size_t num_search = 4;
 
 /// Null where the caller's own array is the same.
 mxArray* columns_or_null(const Columns& columns) {
@@ -128,6 +136,9 @@ class Writer {
 
   void write_numbers() {
     add_columns("figures", num_figures, [](const Refined& one, double* to) { put_figures(*one.task, to); });
+    add_columns("search", num_search, [](const Refined& one, double* to) {
+      if (one.estimate != nullptr) put_search(*one.estimate, to);
+    });
     add_columns("pose", 12, [](const Refined& one, double* to) {
       put_pose(one.task->is_over ? one.task->result.pose : one.task->step.pose, to);
     });
@@ -144,10 +155,11 @@ class Writer {
       put_pose(one.task->result.alternative->pose, to + 1);
     });
     add_flags("is_found", [](const Refined& one) { return one.is_found(); });
+    add_flags("is_estimate", [](const Refined& one) { return one.estimate != nullptr; });
     add_flags("is_struct", [](const Refined& one) { return one.problem->is_output_struct(); });
     add_flags("is_start", [](const Refined& one) {
       const bool is_start = one.is_found() && are_same(one.task->result.pose, one.problem->problem().start);
-      return is_start && one.problem->is_start_in_output_form();
+      return is_start && one.problem->has_start() && one.problem->is_start_in_output_form();
     });
   }
 
@@ -162,7 +174,7 @@ class Writer {
     mxArray* steps = created_matrix(15, total);
     double* to = mxGetPr(steps);
     for (std::size_t k = 0; k < n_; ++k) {
-      const Refine_task& task = *refined_[k].task;
+      const Task& task = *refined_[k].task;
       if (refined_[k].has_failed()) continue;
       if (!task.is_over) to = put_step(task.step, to);
       for (const Refine_step& step : task.result.history) to = put_step(step, to);

@@ -75,6 +75,7 @@ std::string reason(const Refine_input& input, const Refine_result& result, const
              "well: "
              "RMS " +
              text_of(result.alternative->rms) + " against " + text_of(result.after.robust) + ".";
+    case Refine_exit::no_consensus:
     case Refine_exit::failed:
       break;
   }

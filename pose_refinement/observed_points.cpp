@@ -77,6 +77,29 @@ double length_of_direction(const double* x) {
   return largest * std::sqrt(square);
 }
 
+void set_unit_direction(const double* x, std::size_t point, double* direction) {
+  constexpr double least_length = 1e-300;  // from there on it loses digits
+  const double length = length_of_direction(x);
+  if (length < least_length) refuse_zero_bearing(point, length);
+  for (int k = 0; k < 3; ++k) direction[k] = x[k] / length;
+}
+
+void check_sizes(const Numbers& points, const Numbers& observations, std::size_t d) {
+  if (points.size % 3 != 0) refuse_size("points", ": " + text(points.size) + " numbers are no multiple of 3.");
+  const std::size_t n = points.size / 3;
+  if (observations.size != d * n) {
+    refuse_size("observations", " must be " + text(d * n) + " numbers, " + text(d) + " for each of the " + text(n) +
+                                    " points; there are " + text(observations.size) + ".");
+  }
+}
+
+void check_entries(const Numbers& points, const Numbers& observations, std::size_t d, std::size_t point) {
+  check_finite("points", points.data, 3 * point, 3 * point + 3);
+  for (std::size_t j = d * point; j < d * point + d; ++j) {
+    if (std::isinf(observations.data[j])) refuse_infinite_observation(j, observations.data[j]);
+  }
+}
+
 Pose World::from_users(Pose pose) const {
   for (int i = 0; i < 3; ++i) pose.centre[i] = (pose.centre[i] - origin[i]) / unit;
   return pose;
@@ -114,11 +137,7 @@ Observed_points::Observed_points(const Refine_problem& problem, const Pose& star
 
 void Observed_points::check_sizes() const {
   const Refine_problem& p = problem_;
-  if (p.points.size % 3 != 0) refuse_size("points", ": " + text(p.points.size) + " numbers are no multiple of 3.");
-  if (p.observations.size != d_ * n_) {
-    refuse_size("observations", " must be " + text(d_ * n_) + " numbers, " + text(d_) + " for each of the " + text(n_) +
-                                    " points; there are " + text(p.observations.size) + ".");
-  }
+  kelvane::check_sizes(p.points, p.observations, d_);
   if (p.weights.size != 0 && p.weights.size != n_ && p.weights.size != d_ * n_) {
     refuse_size("weights", " must be none, " + text(n_) + " (one for each point) or " + text(d_ * n_) +
                                " (one for each observed number); there are " + text(p.weights.size) + ".");
@@ -134,10 +153,8 @@ void Observed_points::check_sizes() const {
 }
 
 void Observed_points::check_point(std::size_t i) const {
-  check_finite("points", points_, 3 * i, 3 * i + 3);
+  check_entries(problem_.points, problem_.observations, d_, i);
   for (std::size_t k = 0; k < d_; ++k) {
-    const double seen = observations_[d_ * i + k];
-    if (std::isinf(seen)) refuse_infinite_observation(d_ * i + k, seen);
     const double w = weight(i, k);
     if (!std::isfinite(w)) refuse_not_finite("weights", per_equation_ ? d_ * i + k : i, w);
     if (w < 0.0) refuse_negative_weights(problem_.weights);
@@ -169,18 +186,20 @@ bool Observed_points::has_image(std::size_t i, const Pose& start) const {
 }
 
 void Observed_points::add(std::size_t i) {
-  constexpr double least_length = 1e-300;  // of a direction: from there on it loses digits
   const std::size_t at = num_used_++ % (Block::max_rows / d_);
   if (at == 0) sights_.emplace_back();
   Sights& sights = sights_.back();
   sights.num_points = at + 1;
   sights.d = d_;
   sights.index[at] = i;
-  const double* seen = &observations_[d_ * i];
-  const double length = d_ == 3 ? length_of_direction(seen) : 1.0;
-  if (length < least_length) refuse_zero_bearing(i, length);
+  double seen[3];
+  if (d_ == 3) {
+    set_unit_direction(&observations_[3 * i], i, seen);
+  } else {
+    std::copy_n(&observations_[2 * i], 2, seen);
+  }
   for (std::size_t k = 0; k < d_; ++k) {
-    sights.observed[sights.row(at, k)] = seen[k] / length;
+    sights.observed[sights.row(at, k)] = seen[k];
     sights.weights[sights.row(at, k)] = weight(i, k);
     num_equations_ += weight(i, k) > 0.0 ? 1U : 0U;
   }

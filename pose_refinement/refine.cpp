@@ -2,8 +2,6 @@
 // Refinements in one go: one, or many on threads.
 #include "pose_refinement/refine.h"
 
-#include <algorithm>
-#include <limits>
 #include <utility>
 
 #include "pose_refinement/options.h"
@@ -13,13 +11,9 @@ namespace kelvane {
 namespace {
 
 Refine_result failed(const Refine_problem& problem, const Bad_argument& error) {
-  constexpr double nan = std::numeric_limits<double>::quiet_NaN();
   Refine_result result;
   result.pose = problem.start;
-  for (auto& row : result.covariance) std::fill_n(row, 6, nan);
-  result.noise_sigma = result.loss_scale = nan;
-  result.before = result.after = {nan, nan, nan};
-  result.message = error.what();
+  set_failed(error, result);
   return result;
 }
 

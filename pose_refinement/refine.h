@@ -106,6 +106,7 @@ enum class Refine_exit {
   undetermined = -4,   ///< the points do not determine the pose
   behind = -5,         ///< more than half of the weight lies behind the camera
   ambiguous = -6,      ///< converged, but a flat target leaves another pose that fits as well, see Refine_alternative
+  no_consensus = -8,   ///< of estimate: no more points agree than chance lets
   failed = -7          ///< of refine_many: refine would have thrown what the message says
 };
 

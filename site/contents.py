@@ -7,6 +7,7 @@ parts = {
     "Use": [
         "getting_started",
         "refinement",
+        "estimation",
         "rotation_types",
         "conventions",
         "cameras",

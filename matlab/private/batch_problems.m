@@ -53,7 +53,7 @@ function list = with_known_fields(problems, number)
     values = cell(1, n);
     if isfield(problems, names{f})
       values = reshape({problems.(names{f})}, 1, n);
-    elseif f <= 4 && n > 0
+    elseif f >= 2 && f <= 4 && n > 0
       error('kelvane:problems', 'problems(%d) has no field ''%s''.', number, names{f});
     end
     arguments(:, f) = {names{f}; values};

@@ -7,24 +7,9 @@ function options = refine_options(given, options)
                      'ObservationCovariance', [], 'Prior', [], 'Fixed', [], 'Loss', [], 'LossScale', [], 'NoiseSigma', [], ...
                      'Display', 'off', 'OutputFcn', [], 'PoseForm', [], 'PoseFrame', [], 'OutputForm', [], 'OutputFrame', []);
   end
-  options = parse_options('kelvane_refine', options, given);
-  if ~isequal(options.Display, 'off')
-    options.Display = one_of(options.Display, {'off', 'iter', 'final'}, 'kelvane:option', 'Display');
-  end
+  options = with_names(parse_options('kelvane_refine', options, given));
   if ~isempty(options.Loss)
     options.Loss = one_of(options.Loss, {'none', 'huber', 'cauchy', 'tukey'}, 'kelvane:loss', 'loss');
-  end
-  if ~isempty(options.PoseForm)
-    options.PoseForm = form_name(options.PoseForm);
-  end
-  if ~isempty(options.PoseFrame)
-    options.PoseFrame = frame_name(options.PoseFrame);
-  end
-  if ~isempty(options.OutputForm)
-    options.OutputForm = form_name(options.OutputForm);
-  end
-  if ~isempty(options.OutputFrame)
-    options.OutputFrame = frame_name(options.OutputFrame);
   end
   if ~isempty(options.Fixed)
     options.Fixed = fixed_directions(options.Fixed);

@@ -1,7 +1,7 @@
 % SPDX-License-Identifier: BSD-3-Clause
-% The results of kelvane_engine('refine', ...) as a struct array with an element for each problem: pose, info, exitflag,
-% rms_before, rms_after, error, identifier and state. points, observations and intrinsics, cells of what was handed over,
-% complete the infos. Nothing is done problem by problem, and by functions of the interpreter itself: anything else would take longer
+% The results of kelvane_engine('refine', ...), or 'estimate', as a struct array with an element for each problem: pose, info,
+% exitflag, rms_before, rms_after, error, identifier and state. points, observations and intrinsics, cells of what was handed
+% over, complete the infos. Nothing is done problem by problem, and by functions of the interpreter itself: anything else would take longer
 % than the refinements.
 function rows = refined_rows(found, starts, points, observations, intrinsics)
   n = size(found.figures, 2);
@@ -20,7 +20,11 @@ function rows = refined_rows(found, starts, points, observations, intrinsics)
   found.observations = completed(found.observations, observations);
   found.intrinsics = completed(found.intrinsics, intrinsics);
   infos = num2cell(infos_of(found, figures));
-  for k = find(~found.is_found & ~failed)
+  for k = find(~found.is_found & found.is_estimate)
+    infos{k} = struct('num_trials', found.search(1, k), 'num_trials_needed', found.search(2, k), ...
+                      'num_inliers', found.search(3, k));
+  end
+  for k = find(~found.is_found & ~found.is_estimate & ~failed)
     infos{k} = struct('iteration', figures{8, k}, 'rms', found.history{k}.rms, 'turn', found.history{k}.turn, ...
                       'shift', found.history{k}.shift);
   end
@@ -60,6 +64,11 @@ function infos = infos_of(found, figures)
                  'loss_scale', figures(11, :), 'num_behind', figures(12, :), 'num_left_out', figures(13, :), ...
                  'pose', found.pose, 'alternative', found.alternative, 'points', found.points, ...
                  'observations', found.observations, 'intrinsics', found.intrinsics);
+  if any(found.is_estimate)
+    trials = num2cell(found.search([1 4], :));
+    [infos.num_trials] = trials{1, :};
+    [infos.log10_chance] = trials{2, :};
+  end
 end
 
 % A text that is the same as the one before it comes empty.

@@ -1,37 +1,37 @@
 % SPDX-License-Identifier: BSD-3-Clause
-% Refines some problems in other processes, by the engine of batch: a row for each. options are those of all problems, which
+% Does what verb says, 'refine' or 'estimate', to some problems in other processes, by the engine of batch: a row for each. options are those of all problems, which
 % count where problems.options is empty throughout. batch returns with another engine where its own is lost. What comes back
 % is how far each iteration has come, a few numbers; results, which may be larger than the problems, are made here of them.
-function [rows, batch] = rows_by_processes(problems, options, batch)
+function [rows, batch] = rows_by_processes(verb, problems, options, batch)
   switch batch.Engine
     case 'parcellfun'
       load_parallel('parcellfun');
-      groups = groups_of(problems, options, batch.Processes);
+      groups = groups_of(verb, problems, options, batch.Processes);
       answers = without_the_lost(@(some) by_parcellfun(some, batch.Processes), groups);
     case 'netcellfun'
       load_parallel('netcellfun');
       try
-        groups = groups_of(problems, options, prepared_servers(batch.Connections));
+        groups = groups_of(verb, problems, options, prepared_servers(batch.Connections));
         answers = by_netcellfun(groups, batch.Connections);
       catch caught  % one broken connection closes all
         warning('kelvane:lostServers', 'The servers of Connections are lost (%s). Processes of this machine take over.', ...
                 caught.message);
         batch.Engine = 'parcellfun';
         batch.Processes = nproc();
-        [rows, batch] = rows_by_processes(problems, options, batch);
+        [rows, batch] = rows_by_processes(verb, problems, options, batch);
         return;
       end
     case 'parfor'
       num_workers = workers_of_pool();
-      groups = groups_of(problems, options, num_workers);
+      groups = groups_of(verb, problems, options, num_workers);
       answers = without_the_lost(@(some) by_parfor(some, num_workers > 0), groups);
   end
-  [rows, batch] = completed(answers, cellfun('prodofsize', groups(:, 2)), problems, options, batch);
+  [rows, batch] = completed(verb, answers, cellfun('prodofsize', groups(:, 2)), problems, options, batch);
 end
 
 % The rows of groups of so many problems, whose answers are states or the reason of a loss. An error brings no state: it comes
 % again at once.
-function [rows, batch] = completed(answers, sizes, problems, options, batch)
+function [rows, batch] = completed(verb, answers, sizes, problems, options, batch)
   states = cell(1, numel(problems));
   is_lost = false(1, numel(problems));
   rows = lost_rows('', numel(problems));
@@ -46,17 +46,17 @@ function [rows, batch] = completed(answers, sizes, problems, options, batch)
     end
   end
   if ~all(is_lost)
-    [rows(~is_lost), batch] = rows_by_threads(problems(~is_lost), options, batch, states(~is_lost));
+    [rows(~is_lost), batch] = rows_by_threads(verb, problems(~is_lost), options, batch, states(~is_lost));
   end
   is_foreign = strcmp({rows.identifier}, 'kelvane:state');  % another processor may round a logarithm in another way
   if any(is_foreign)
-    [rows(is_foreign), batch] = rows_by_threads(problems(is_foreign), options, batch);
+    [rows(is_foreign), batch] = rows_by_threads(verb, problems(is_foreign), options, batch);
   end
 end
 
 % Inputs of kelvane_engine, a row for each group of problems. Eight groups a worker: who is done takes another one, so that
 % none waits for long at the end; and what a group costs by itself, a millisecond, is little beside problems worth a process.
-function groups = groups_of(problems, options, num_workers)
+function groups = groups_of(verb, problems, options, num_workers)
   n = numel(problems);
   ends = round(linspace(0, n, min(n, 8 * max(1, num_workers)) + 1));
   for g = numel(ends) - 1:-1:1
@@ -65,7 +65,11 @@ function groups = groups_of(problems, options, num_workers)
     if isempty(own{1})
       own = options;
     end
-    groups(g, :) = {'descend', {some.start}, {some.points}, {some.observations}, {some.intrinsics}, own};
+    if strcmp(verb, 'refine')
+      groups(g, :) = {'descend', {some.start}, {some.points}, {some.observations}, {some.intrinsics}, own};
+    else
+      groups(g, :) = {'search', {some.points}, {some.observations}, {some.intrinsics}, own};
+    end
   end
 end
 
@@ -132,8 +136,7 @@ end
 
 % The module as other processes can be told of it. Octave crashes at its end if the package parallel has its name or handle.
 function call = sendable()
-  call = @(verb, starts, points, observations, intrinsics, options) ...
-         kelvane_engine(verb, starts, points, observations, intrinsics, options);
+  call = @(varargin) kelvane_engine(varargin{:});
 end
 
 % A pool that is lost for good leaves nothing to do: this process must not die of what its workers died of.

@@ -1,11 +1,11 @@
 % SPDX-License-Identifier: BSD-3-Clause
-% Refines some problems on threads of this process: a row for each. options are those of all problems, which count where
+% Does what verb says, 'refine' or 'estimate', to some problems on threads of this process: a row for each. options are those of all problems, which count where
 % problems.options is empty throughout. states, if any, are where others have left them. The interpreter is back at least
 % every 0.2 s, so that Ctrl-C works.
-function [rows, batch] = rows_by_threads(problems, options, batch, states)
+function [rows, batch] = rows_by_threads(verb, problems, options, batch, states)
   seconds = 0.2;
   inputs = [{problems.start}; {problems.points}; {problems.observations}; {problems.intrinsics}];
-  if nargin < 4
+  if nargin < 5
     states = cell(1, numel(problems));
   end
   waiting = 1:numel(problems);
@@ -16,7 +16,9 @@ function [rows, batch] = rows_by_threads(problems, options, batch, states)
       own = options;
     end
     some = inputs(:, slice);
-    found = call_engine('refine', some(1, :), some(2, :), some(3, :), some(4, :), own, states(slice), seconds, batch.Threads);
+    cells = {some(1, :), some(2, :), some(3, :), some(4, :)};
+    cells = cells(1 + strcmp(verb, 'estimate'):4);
+    found = call_engine(verb, cells{:}, own, states(slice), seconds, batch.Threads);
     found = refined_rows(found, some(1, :), some(2, :), some(3, :), some(4, :));
     begun = slice(1:numel(found));
     rows(begun) = found;

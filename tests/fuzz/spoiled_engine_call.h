@@ -29,7 +29,8 @@ class Spoiled_engine_call {
     call_ = engine::good_call(engine::all_questions[bytes.choice(engine::all_questions.size())], kind, num_points);
     const std::size_t manner = bytes.choice(4);
     error_call_ = trust::all_error_calls[manner % 2];
-    if (manner >= 2 && call_.inputs.size() > 7) call_.inputs[7] = mex_host::scalar(0.0);
+    const std::size_t seconds = engine::place_of_states(call_.inputs) + 1;
+    if (manner >= 2 && call_.inputs.size() > seconds) call_.inputs[seconds] = mex_host::scalar(0.0);
     const std::size_t num_left_out = bytes.choice(call_.inputs.size());
     call_.num_outputs = all_num_outputs[bytes.choice(all_num_outputs.size())];
     while (!bytes.is_empty()) spoil(chosen(bytes), bytes);
@@ -38,13 +39,12 @@ class Spoiled_engine_call {
 
   mex_host::Result run() const { return call_.run(error_call_); }
   /// Whether states are asked for.
-  bool descends() const {
-    return !call_.inputs.empty() && mex_host::is_same(call_.inputs[0], mex_host::text("descend"));
-  }
+  bool descends() const { return asks("descend") || asks("search"); }
   /// Once more, from where a result says that it was left.
   mex_host::Result go_on(const mxArray& states) {
-    if (descends()) call_.inputs[0] = mex_host::text("refine");
-    if (call_.inputs.size() > 6) call_.inputs[6] = states;
+    const std::size_t place = trust::engine::place_of_states(call_.inputs);
+    if (descends()) call_.inputs[0] = mex_host::text(asks("descend") ? "refine" : "estimate");
+    if (call_.inputs.size() > place) call_.inputs[place] = states;
     return run();
   }
 
@@ -53,6 +53,10 @@ class Spoiled_engine_call {
   static constexpr std::size_t max_points = 20;
   static constexpr std::size_t max_size = 12;
   static constexpr std::size_t max_depth = 3;
+
+  bool asks(const char* question) const {
+    return !call_.inputs.empty() && mex_host::is_same(call_.inputs[0], mex_host::text(question));
+  }
 
   /// An input, or what lies in it: a zero stays where it is.
   mxArray& chosen(Byte_source& bytes) {

@@ -60,6 +60,17 @@
 %!   assert({results.error}, repmat({sprintf('process %d', getpid())}, 1, 20));
 %! end
 
+%!test  % so are the trials of problems without a start, and what they came to is refined as any other
+%! if has_parallel()
+%!   problems = scene_problems(12);
+%!   [problems([2 5:9]).start] = deal([]);
+%!   problems(7).observations = [1 2 3];
+%!   expected = kelvane_batch(problems, 'Threads', 1, 'Progress', 'off');
+%!   assert(isequaln(kelvane_batch(problems, 'Processes', 2, 'Progress', 'off'), expected));
+%!   assert([expected.exitflag] > 0, (1:12) != 7);
+%!   assert(strncmp(expected(2).info.message, 'Started from an estimate', 24));
+%! end
+
 %!test  % Octave ends well after a batch on other processes
 %! if has_parallel()
 %!   folders = cellfun(@(name) fileparts(which(name)), {'kelvane_engine', 'kelvane_batch', 'scene_problems'}, ...

@@ -49,6 +49,16 @@
 %!   end
 %! end
 
+%!test  % matches: without a start all wrong ones are thrown out, and nearly all right ones are kept
+%! if can_draw()
+%!   [text, names] = run_demo('matches');
+%!   assert(names, {'matches.png'});
+%!   assert(~isempty(strfind(text, '32 of 54 matches are wrong')));
+%!   kept = rows_of(text, 'right and kept');
+%!   assert(kept(1) >= 20 && kept(2) == 0);
+%!   assert(rows_of(text, 'off the optimum')(2:3) < [0.1, 0.2]);
+%! end
+
 %!test  % bearings: a third of the points is behind, and the errors are of the size that is told
 %! if can_draw()
 %!   [text, names] = run_demo('bearings');

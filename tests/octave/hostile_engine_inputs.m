@@ -13,7 +13,7 @@ function hostile_engine_inputs(stride)
   num_places = 0;
   for call = engine_calls()
     good = kelvane_engine(call{1}{:});
-    is_refinement = strcmp(call{1}{1}, 'refine');
+    is_refinement = any(strcmp(call{1}{1}, {'refine', 'estimate'}));
     if is_refinement
       second = [good.pose(:, 2); good.figures(:, 2)];
     end
@@ -37,6 +37,7 @@ function hostile_engine_inputs(stride)
   for k = 1:numel(values)
     call_and_check(repmat(values(k), 1, 5), 1);  % one array at several positions
     call_and_check([{'refine'}, repmat({values(k)}, 1, 4), {struct(), {}}], 1);
+    call_and_check([{'estimate'}, repmat({values(k)}, 1, 3), {struct(), {}}], 1);
   end
   fprintf('every value at every place\n');
 end

@@ -24,6 +24,12 @@
 %!  for name = {'camera_model', 'exit_message', 'observed_points', 'known_pose', 'free_motion', 'pose', 'refinement_state'}
 %!    text = [text, sources('pose_refinement', [name{1}, '.cpp'])];
 %!  end
+%!  text = [text, exits_of_estimates(), sources('pose_estimation', 'search.cpp')];
+%!endfunction
+
+%!function text = exits_of_estimates()  % behind the options, which the door checks itself
+%!  text = sources('pose_estimation', 'estimation.cpp');
+%!  text = text(strfind(text, 'Estimation::Estimation')(1):end);
 %!endfunction
 
 %!function text = files()  % readers and writers, all of whose texts with a blank in them are sentences
@@ -33,10 +39,11 @@
 %!function texts = told_by_engine()  % the texts in its errors and in the words of an exit
 %!  errors = regexp([sources('mex_engine', '*.cpp'), sources('pose_refinement', 'observed_points.cpp'), ...
 %!                   sources('pose_refinement', 'known_pose.cpp'), sources('pose_refinement', 'free_motion.cpp'), ...
-%!                   sources('pose_refinement', 'pose.cpp'), sources('cameras', '*.cpp')], ...
+%!                   sources('pose_refinement', 'pose.cpp'), sources('cameras', '*.cpp'), ...
+%!                   sources('pose_estimation', 'search.cpp')], ...
 %!                  '\<(refuse|Bad_argument)\((".*?)\);\n', 'tokens');
 %!  errors = [errors{:}](2:2:end);
-%!  texts = regexp([strjoin(errors, "\n"), sources('pose_refinement', 'exit_message.cpp'), files()], '"((?:[^"\\\n]|\\.)*)"', 'tokens');
+%!  texts = regexp([strjoin(errors, "\n"), sources('pose_refinement', 'exit_message.cpp'), exits_of_estimates(), files()], '"((?:[^"\\\n]|\\.)*)"', 'tokens');
 %!  texts = [texts{:}];
 %!endfunction
 

@@ -21,7 +21,7 @@ set(topics_of_functions help_of_functions examples_of_pages refine_costs refine_
                         refine_outliers refine_poses refine_reports refine_info refine_known reports_page interrupts
                         batch_engines batch_processes demos demo_folders read_bal read_cameras read_colmap
                         written_models)
-set(functions kelvane_batch kelvane_camera kelvane_check_gradient kelvane_demo kelvane_distort kelvane_plot kelvane_pose
+set(functions kelvane_batch kelvane_camera kelvane_check_gradient kelvane_demo kelvane_distort kelvane_estimate kelvane_plot kelvane_pose
               kelvane_project kelvane_read_bal kelvane_read_colmap kelvane_refine kelvane_types kelvane_undistort
               kelvane_write_bal kelvane_write_colmap kelvane_write_csv)
 set(is_tested_in_octave ON)

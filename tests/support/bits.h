@@ -8,8 +8,8 @@
 
 namespace support {
 
-/// Of a NaN, too: but not with instrumentation, which changes the order in which the compiler puts operands, and by that
-/// the sign of a NaN.
+/// Of a NaN, too: but not with instrumentation, which changes the order in which the compiler puts operands, and by
+/// that the sign of a NaN.
 inline bool have_same_bits(const double* a, const double* b, std::size_t size) {
 #ifdef KELVANE_SANITIZED
   for (std::size_t i = 0; i < size; ++i) {

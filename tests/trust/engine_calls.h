@@ -140,6 +140,34 @@ inline std::vector<mxArray> as_descent(std::vector<mxArray> inputs) {
   return inputs;
 }
 
+/// Of 'estimate' or 'search', which have no starts and other options.
+inline std::vector<mxArray> as_estimate(std::vector<mxArray> inputs, const char* question = "estimate") {
+  using mex_host::scalar;
+  using mex_host::text;
+  inputs[0] = text(question);
+  std::size_t k = 0;
+  for (mxArray::Place& options : inputs[5].elements) {
+    options[0] = mex_host::structure({{"MaxReprojectionError", k % 2 == 0 ? mex_host::row({}) : scalar(4)},
+                                      {"MaxAngle", k % 2 == 0 ? scalar(0.02) : mex_host::row({})},
+                                      {"Confidence", scalar(0.99)},
+                                      {"MaxNumTrials", scalar(200)},
+                                      {"Seed", scalar(static_cast<double>(k))},
+                                      {"OutputForm", text(k % 2 == 0 ? "" : "colmap")},
+                                      {"OutputFrame", mex_host::row({})},
+                                      {"Stop", mex_host::row({})}});
+    ++k;
+  }
+  inputs.erase(inputs.begin() + 1);
+  return inputs;
+}
+
+/// Where states and seconds are among inputs that go on where they were left.
+inline std::size_t place_of_states(const std::vector<mxArray>& inputs) {
+  const bool is_estimate = !inputs.empty() && (mex_host::is_same(inputs[0], mex_host::text("estimate")) ||
+                                               mex_host::is_same(inputs[0], mex_host::text("search")));
+  return is_estimate ? 5 : 6;
+}
+
 /// A problem of this kind, and a neighbour that nothing is to touch.
 inline Tested_call refine_call(std::size_t kind, std::size_t num_points = 5, double seconds = for_ever) {
   return {std::string("refine, ") + kinds_of_problem[kind],
@@ -147,10 +175,23 @@ inline Tested_call refine_call(std::size_t kind, std::size_t num_points = 5, dou
 }
 
 /// What the engine can be asked.
-enum class Question { refine, project, pose, pose_as_struct, descend, lens, camera, undistort, distort };
-inline constexpr std::array<Question, 9> all_questions{
-    Question::refine, Question::project, Question::pose,      Question::pose_as_struct, Question::descend,
-    Question::lens,   Question::camera,  Question::undistort, Question::distort};
+enum class Question {
+  refine,
+  project,
+  pose,
+  pose_as_struct,
+  descend,
+  lens,
+  camera,
+  undistort,
+  distort,
+  estimate,
+  search
+};
+inline constexpr std::array<Question, 11> all_questions{
+    Question::refine,  Question::project,  Question::pose,   Question::pose_as_struct,
+    Question::descend, Question::lens,     Question::camera, Question::undistort,
+    Question::distort, Question::estimate, Question::search};
 
 /// A camera with a lens, another one for each kind.
 inline mxArray good_camera(std::size_t kind) {
@@ -180,6 +221,10 @@ inline Tested_call good_call(Question question, std::size_t kind, std::size_t nu
   if (question == Question::refine) return refine_call(kind, num_points);
   if (question == Question::descend) {
     return {std::string("descend, ") + kinds_of_problem[kind], as_descent(refine_call(kind, num_points).inputs)};
+  }
+  if (question == Question::estimate || question == Question::search) {
+    const char* const verb = question == Question::estimate ? "estimate" : "search";
+    return {std::string(verb) + ", " + kinds_of_problem[kind], as_estimate(refine_call(kind, num_points).inputs, verb)};
   }
   const Problem problem = good_problem(kind, num_points);
   const std::string name = kinds_of_problem[kind];

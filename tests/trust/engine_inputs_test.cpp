@@ -144,10 +144,13 @@ Result without_inputs(Result result) {
 
 /// An option that is no more than a number, and given a truth value: taken for a slip.
 bool is_refused_option(const std::string& path, const std::string& class_name) {
-  const char* const matrices[] = {"Weights", "ObservationCovariance", "Prior", "Fixed"};
-  const bool is_matrix = std::any_of(std::begin(matrices), std::end(matrices),
-                                     [&path](const char* name) { return path.find(name) != std::string::npos; });
-  return class_name == "logical" && path.rfind("input 6", 0) == 0 && !is_matrix;
+  const auto is_any_of = [&path](const std::vector<const char*>& names) {
+    return std::any_of(names.begin(), names.end(),
+                       [&path](const char* name) { return path.find(name) != std::string::npos; });
+  };
+  const bool is_of_search = is_any_of({"MaxReprojectionError", "MaxAngle", "MaxNumTrials", "Seed"});
+  const bool is_matrix = is_any_of({"Weights", "ObservationCovariance", "Prior", "Fixed"});
+  return class_name == "logical" && (is_of_search || path.rfind("input 6", 0) == 0) && !is_matrix;
 }
 
 /// Numbers are numbers, whatever the class or the storage.

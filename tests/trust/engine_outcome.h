@@ -107,9 +107,14 @@ inline End end_of(const mxArray& row) {
     return is_told(identifier, text_of(row, "message")) && !is_found && !has_state ? End::error : End::wrong;
   }
   const std::vector<double>& figures = mex_host::field(row, "figures").values;
+  const std::vector<double>& pose = mex_host::field(row, "pose").values;
+  const bool is_estimate = mex_host::field(row, "is_estimate").bytes.at(0) != 0;
+  // Of an estimate in doubt there may be no pose at all.
+  const bool has_none = is_estimate && is_found && (figures.at(0) == -4.0 || figures.at(0) == -8.0) &&
+                        std::all_of(pose.begin(), pose.end(), [](double number) { return std::isnan(number); });
   // A start that is the best comes back as it was given, a rotation to six digits.
   const bool may_be_start = is_found && figures.at(2) == figures.at(1);
-  if (!is_pose(mex_host::field(row, "pose").values, may_be_start ? 1e-4 : 1e-12)) return End::wrong;
+  if (!has_none && !is_pose(pose, may_be_start ? 1e-4 : 1e-12)) return End::wrong;
   if (has_state) return is_found ? End::wrong : End::on_the_way;
   const bool is_worse = figures.at(2) > figures.at(1);  // a start without a finite cost is neither
   return is_found && !is_worse && !text_of(row, "message").empty() ? End::over : End::wrong;

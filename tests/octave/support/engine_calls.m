@@ -1,6 +1,6 @@
 % SPDX-License-Identifier: BSD-3-Clause
 % Inputs that kelvane_engine accepts, a cell array for each of its questions: 'refine' and 'descend' for two problems, as pixels
-% and as directions, 'project', 'pose' and those of cameras.
+% and as directions, 'project', 'pose', those of cameras, and 'estimate' and 'search'.
 function calls = engine_calls()
   view = chessboard_view(1);
   corners = [1, 5, 9, 22, 46, 54];
@@ -17,10 +17,14 @@ function calls = engine_calls()
   directions = K \ [pixels; ones(1, 6)];
   lens = struct('model', 'THIN_PRISM_FISHEYE', 'parameters', [K([1, 5, 7, 8]), 0.01, 0, 1e-3, 2e-3, 0, 0, 1e-3, 0]);
   problems = {{pose, start}, {points, points'}, {pixels, directions}, {K, []}, num2cell(options), {[], []}, Inf, 1};
+  search = struct('MaxReprojectionError', {[], 4}, 'MaxAngle', {0.02, []}, 'Confidence', 0.99, 'MaxNumTrials', 200, ...
+                  'Seed', {0, 7}, 'OutputForm', {'', 'colmap'}, 'OutputFrame', '');
+  startless = [problems(2:4), {num2cell(search)}, problems(6:8)];
   calls = {[{'refine'}, problems], [{'descend'}, problems], ...
            {'project', pose, points, K, struct('PoseForm', 'pose', 'PoseFrame', '')}, ...
            {'pose', start, 'rotation_vector', 'world_from_camera', 'matrix4x4', 'camera_from_world'}, ...
            {'project', pose, points, lens, struct('PoseForm', 'pose', 'PoseFrame', '')}, ...
            {'camera', K, [-0.2 0.1 0 0], 'perspective', [640 480]}, {'camera_as', K, 'opencv'}, ...
-           {'undistort', pixels, lens, 'directions'}, {'distort', directions, lens}};
+           {'undistort', pixels, lens, 'directions'}, {'distort', directions, lens}, ...
+           [{'estimate'}, startless], [{'search'}, startless]};
 end

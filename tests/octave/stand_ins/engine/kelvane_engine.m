@@ -2,7 +2,7 @@
 % Stands before the true kelvane_engine and calls it. Fields of a start make it kill its process, always or as long as a file
 % is there, which it removes; interrupt another process; raise an error; write the number of a process that descends to a file;
 % return the state of something else from there; refine no longer than it must, which the global num_calls_of_engine counts; or
-% tell when it was left in the middle.
+% tell when it was left in the middle, as an estimate always does.
 function varargout = kelvane_engine(varargin)
   starts = {};
   if any(strcmp(varargin{1}, {'refine', 'descend'}))
@@ -37,7 +37,8 @@ function varargout = kelvane_engine(varargin)
     addpath(here);
   end
   [varargout{1:max(1, nargout)}] = true_engine(varargin{:});
-  if any(has(starts, 'tells_when_left')) && any(~cellfun('isempty', varargout{1}.state))
+  tells = any(has(starts, 'tells_when_left')) || strcmp(varargin{1}, 'estimate');
+  if tells && any(~cellfun('isempty', varargout{1}.state))
     disp('left in the middle');
     fflush(stdout);
   end

@@ -1,0 +1,23 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// The loop over points that agree with a pose, compiled for AVX-512.
+#include "pose_estimation/consensus_kernels.h"
+
+// All below is compiled for it, and nothing of it can be seen by other sources. No option of the compiler does this: it
+// would count for what is included above, too.
+#ifdef __clang__
+#pragma clang attribute push(__attribute__((target("avx512f"))), apply_to = function)
+#else
+#pragma GCC target("avx512f")
+#endif
+#include "pose_estimation/consensus_kernels_body.h"
+
+namespace kelvane {
+
+extern const Consensus_kernels consensus_kernels_avx512;
+const Consensus_kernels consensus_kernels_avx512 = consensus_kernels_of_width<8>;
+
+}  // namespace kelvane
+
+#ifdef __clang__
+#pragma clang attribute pop
+#endif

@@ -1,0 +1,17 @@
+# SPDX-License-Identifier: BSD-3-Clause
+# Tests of the estimation of a pose without a start.
+kelvane_add_test(pose_estimation/three_points)
+kelvane_add_test(pose_estimation/thin_triples)
+kelvane_add_test(pose_estimation/triples)
+kelvane_add_test(pose_estimation/consensus_kernels)
+kelvane_add_test(pose_estimation/agreement)
+kelvane_add_test(pose_estimation/chance)
+kelvane_add_test(pose_estimation/scenes)
+kelvane_add_test(pose_estimation/estimation)
+kelvane_add_test(pose_estimation/exits)
+kelvane_add_test(pose_estimation/doubts)
+kelvane_add_test(pose_estimation/hostile_problems)
+kelvane_add_test(pose_estimation/estimate_many ALONE)
+kelvane_add_test(pose_estimation/allocations mex_host ${CMAKE_DL_LIBS} ALONE)
+target_sources(pose_estimation_allocations_test PRIVATE trust/failing_memory.cpp)
+kelvane_add_test(pose_estimation/real_data)
