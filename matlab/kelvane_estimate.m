@@ -32,8 +32,8 @@
 %     info  struct with the fields of kelvane_refine's info, of the refinement in the end. What is special:
 %       exitflag       above 0: found. Otherwise: 0 found, but the refinement came to its last iteration; -4 there are fewer
 %                      than four points, or all in one place or on a line; -6 ambiguous: another pose is as likely, see
-%                      alternative; -8 no consensus: no more points agree than chance lets. -2, -3 and -5 are those of
-%                      kelvane_refine.
+%                      alternative, or may be, as the message says; -8 no consensus: no more points agree than chance
+%                      lets. -2, -3 and -5 are those of kelvane_refine.
 %       message        the same in words
 %       inliers        1 x N, true for the observations that agree with the pose: these are what was refined
 %       num_inliers    how many they are
