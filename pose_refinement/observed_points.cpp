@@ -21,19 +21,9 @@ std::string text(std::size_t number) { return std::to_string(number); }
   throw Bad_argument("size", name, sentence);
 }
 
-[[noreturn, gnu::cold]] void refuse_infinite_observation(std::size_t number, double value) {
-  throw Bad_argument("notFinite", "observations", Where::entry, number,
-                     " is " + text_of(value) + ". NaN is for what was not seen.");
-}
-
 [[noreturn, gnu::cold]] void refuse_negative_weights(const Numbers& weights) {
   const double least = *std::min_element(weights.data, weights.data + weights.size);
   throw Bad_argument("negativeWeight", "weights", " must not be negative; the least is " + text_of(least) + ".");
-}
-
-[[noreturn, gnu::cold]] void refuse_zero_bearing(std::size_t point, double length) {
-  throw Bad_argument("zeroBearing", "observations", Where::point, point,
-                     " has the length " + text_of(length, 2) + ": a bearing needs a direction.");
 }
 
 [[noreturn, gnu::cold]] void refuse_number_of_points(std::size_t num_points, std::size_t num_used, std::size_t least,
@@ -67,37 +57,6 @@ const double* Sights::factors() const {
 
 std::size_t num_needed_points(const Refine_problem& problem) {
   return problem.prior.covariance.size + problem.prior.information.size + problem.fixed.size > 0 ? 1 : 3;
-}
-
-double length_of_direction(const double* x) {
-  const double largest = std::max({std::abs(x[0]), std::abs(x[1]), std::abs(x[2])});
-  if (largest == 0.0) return 0.0;
-  double square = 0.0;
-  for (int k = 0; k < 3; ++k) square += (x[k] / largest) * (x[k] / largest);
-  return largest * std::sqrt(square);
-}
-
-void set_unit_direction(const double* x, std::size_t point, double* direction) {
-  constexpr double least_length = 1e-300;  // from there on it loses digits
-  const double length = length_of_direction(x);
-  if (length < least_length) refuse_zero_bearing(point, length);
-  for (int k = 0; k < 3; ++k) direction[k] = x[k] / length;
-}
-
-void check_sizes(const Numbers& points, const Numbers& observations, std::size_t d) {
-  if (points.size % 3 != 0) refuse_size("points", ": " + text(points.size) + " numbers are no multiple of 3.");
-  const std::size_t n = points.size / 3;
-  if (observations.size != d * n) {
-    refuse_size("observations", " must be " + text(d * n) + " numbers, " + text(d) + " for each of the " + text(n) +
-                                    " points; there are " + text(observations.size) + ".");
-  }
-}
-
-void check_entries(const Numbers& points, const Numbers& observations, std::size_t d, std::size_t point) {
-  check_finite("points", points.data, 3 * point, 3 * point + 3);
-  for (std::size_t j = d * point; j < d * point + d; ++j) {
-    if (std::isinf(observations.data[j])) refuse_infinite_observation(j, observations.data[j]);
-  }
 }
 
 Pose World::from_users(Pose pose) const {

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "least_squares/block.h"
+#include "pose_refinement/observations.h"
 #include "pose_refinement/refine.h"
 
 namespace kelvane {
@@ -40,14 +41,6 @@ struct Sights {
 
 /// The least that may determine a pose: three where nothing is known of it beside the observations.
 std::size_t num_needed_points(const Refine_problem& problem);
-
-/// Checks of nothing but points and what was seen of them, d numbers each; these throw Bad_argument.
-void check_sizes(const Numbers& points, const Numbers& observations, std::size_t d);
-void check_entries(const Numbers& points, const Numbers& observations, std::size_t d, std::size_t point);
-/// Of x, y, z of any size.
-double length_of_direction(const double* x);
-/// Of x, y, z of any size but zero; the point is for the report.
-void set_unit_direction(const double* x, std::size_t point, double* direction);
 
 /// A world of its own: the points are centred at 0, and their mean square distance from the camera's start is 1. There
 /// the columns of a twist are of like size, and a step means the same in every unit.
