@@ -39,7 +39,7 @@
 %       num_inliers    how many they are
 %       num_left_out   all other points
 %       residuals      of all points that were seen
-%       rms_before     of the pose that the search ended with, rms_after and others of the inliers
+%       rms_before     and history: of the last refinement, after the last choice of inliers; rms_after of the inliers
 %       num_trials     triples that were tried
 %       log10_chance   of as many that agree among observations that are all wrong, at most; -8 where it is above -3
 %       alternative    another pose (struct of kelvane_pose) and its rms, where one is as likely: the other tilt of a flat

@@ -20,10 +20,8 @@ class Chosen_matches {
     points_.insert(points_.end(), &problem_.points.data[3 * i], &problem_.points.data[3 * i] + 3);
     observations_.insert(observations_.end(), &problem_.observations.data[d * i],
                          &problem_.observations.data[d * i] + d);
-    index_.push_back(i);
   }
-  std::size_t size() const { return index_.size(); }
-  std::size_t index(std::size_t k) const { return index_[k]; }  ///< the caller's number
+  std::size_t size() const { return points_.size() / 3; }
   /// Which must not outlive this, nor what is added later.
   Refine_problem problem(const Pose& start) const {
     Refine_problem problem;
@@ -38,7 +36,6 @@ class Chosen_matches {
   const Estimate_problem& problem_;
   const Matches& matches_;
   std::vector<double> points_, observations_;
-  std::vector<std::size_t> index_;
 };
 
 }  // namespace kelvane

@@ -39,9 +39,9 @@ struct Estimate_options {
   std::function<bool(const Estimate_progress&)> watch = {};
 };
 
-/// What a search found, and the refinement from there: `before` is of the pose that the search ended with, and the
-/// exit `no_consensus` or `undetermined` tells that the pose is not to be used. Observations that are wrong are not in
-/// the refinement: num_left_out counts them, and their residuals are there nevertheless.
+/// What a search found, and the last refinement from there, of which `before` and the history are. The exit
+/// `no_consensus` or `undetermined` tells that the pose is not to be used. Observations that are wrong are not in the
+/// refinement: num_left_out counts them, and their residuals are there nevertheless.
 struct Estimate_result : Refine_result {
   std::size_t num_trials = 0;  ///< triples that were tried
   double log10_chance = 0;     ///< of as good a consensus among observations that are all wrong, at most (Eq. 75)
