@@ -25,14 +25,14 @@ set(functions kelvane_batch kelvane_camera kelvane_check_gradient kelvane_demo k
               kelvane_project kelvane_read_bal kelvane_read_colmap kelvane_refine kelvane_types kelvane_undistort
               kelvane_write_bal kelvane_write_colmap kelvane_write_csv)
 set(is_tested_in_octave ON)
-if(KELVANE_SANITIZE OR KELVANE_SANITIZE_THREADS)
+if(KELVANE_SANITIZE)
   set(libasan libasan.so)
   if(CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
     set(libasan libclang_rt.asan-${CMAKE_SYSTEM_PROCESSOR}.so)
   endif()
   execute_process(COMMAND "${CMAKE_CXX_COMPILER}" -print-file-name=${libasan} OUTPUT_VARIABLE libasan
                   OUTPUT_STRIP_TRAILING_WHITESPACE)
-  if(KELVANE_SANITIZE_THREADS OR NOT EXISTS "${libasan}")
+  if(NOT EXISTS "${libasan}")
     set(is_tested_in_octave OFF)
   endif()
 endif()
