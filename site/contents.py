@@ -15,6 +15,7 @@ parts = {
         "matlab",
         "cpp",
         "/examples/README",
+        "from_v0.1",
     ],
     "Judge": ["performance", "/benchmarks/README", "trust", "compatibility", "/SECURITY"],
     "Understand": ["architecture", "notation", "derivations", "numerics", "decisions/README"],
