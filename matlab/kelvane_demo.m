@@ -17,6 +17,7 @@
 %     kelvane_demo()
 %   Output:
 %     chessboard  six photographs of a chessboard, refined with four rotation types
+%     photograph  a chessboard's lines in its photograph, before and after a refinement
 %     types       the seven rotation types for pixels racing on one view
 %     outliers    a fifth of the corners in wrong places, with and without a robust loss
 %     matches     60 % of the corners mistaken for each other, and no start
@@ -59,6 +60,7 @@ end
 function demos = all_demos()
   list = {'chessboard', 'six photographs of a chessboard, refined with four rotation types', ...
           {'chessboard_all_types.png', 'chessboard_convergence.png', 'chessboard_corners.png'}
+          'photograph', 'a chessboard''s lines in its photograph, before and after a refinement', {'photograph.png'}
           'types', 'the seven rotation types for pixels racing on one view', {'chessboard_all_types.png'}
           'outliers', 'a fifth of the corners in wrong places, with and without a robust loss', {'outliers.png'}
           'matches', '60 % of the corners mistaken for each other, and no start', {'matches.png'}
