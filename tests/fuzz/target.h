@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
-// What a fuzzer calls. Each target defines it; libFuzzer or replay.cpp brings the main function.
+// What a fuzzer calls. Each target defines it; libFuzzer brings the main function.
 #pragma once
 
 #include <cstddef>
