@@ -27,10 +27,9 @@ function bearings_demo(folder)
   fprintf('%-22s%s\n', 'off the truth', sprintf(' %9.5f', off));
   fprintf('%-22s%s\n', 'standard deviation', sprintf(' %9.5f', sigma));
   f = new_picture(4);
-  kinds = {'before', 'after', 'scene'};
-  for k = 1:3
-    kelvane_plot(axes('position', [0.07 + 0.335 * (k - 1), 0.15, 0.245, 0.74]), info, kinds{k});
-  end
+  kelvane_plot(axes('position', [0.07, 0.22, 0.245, 0.68]), info, 'before');
+  kelvane_plot(axes('position', [0.40, 0.22, 0.245, 0.68]), info, 'after');
+  kelvane_plot(axes('position', [0.71, 0.02, 0.22, 0.9]), info, 'scene');
   save_picture(f, fullfile(folder, 'bearings.png'), [1800, 620]);
 end
 

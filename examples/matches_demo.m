@@ -29,10 +29,17 @@ function matches_demo(folder)
           sum(info.inliers(wrong)), info.num_trials);
   fprintf('off the optimum of all 54 as measured: %.3f deg, %.3f %%\n', turn, shift);
   f = new_picture(5);
-  panel([0.09, 0.15, 0.39, 0.74], view, measured, true(1, 54), [0.45, 0.45, 0.45], 'matches, 60 % of them wrong');
-  panel([0.59, 0.15, 0.39, 0.74], view, kelvane_project(pose, view.points, view.intrinsics), ~info.inliers, ...
-        [0.84, 0.37, 0], 'thrown out (crosses) and kept (circles)');
-  plot(view.pixels(1, info.inliers), view.pixels(2, info.inliers), 'o', 'color', [0, 0.45, 0.7], 'markersize', 5);
+  grey = [0.5, 0.5, 0.5];
+  orange = [0.84, 0.37, 0];
+  blue = [0, 0.45, 0.7];
+  panel([0.09, 0.15, 0.39, 0.74], view, measured, true(1, 54), grey, 'matches, 60 % of them wrong');
+  draw_legend({'where the match has a corner', 'line: to where it is seen'}, {'x', '-'}, [grey; grey], [4, 4], ...
+              [160, 180], 195, [385, 415]);
+  panel([0.59, 0.15, 0.39, 0.74], view, kelvane_project(pose, view.points, view.intrinsics), ~info.inliers, orange, ...
+        'found without a start');
+  plot(view.pixels(1, info.inliers), view.pixels(2, info.inliers), 'o', 'color', blue, 'markersize', 5);
+  draw_legend({'kept', 'thrown out', 'line: to where the pose sees it'}, {'o', 'x', '-'}, [blue; orange; orange], ...
+              [5, 4, 4], [160, 180], 195, [375, 400, 425]);
   save_picture(f, fullfile(folder, 'matches.png'), [1300, 580]);
 end
 
@@ -43,7 +50,7 @@ function panel(position, view, seen, some, colour, name)
   plot([seen(1, some); view.pixels(1, some)], [seen(2, some); view.pixels(2, some)], '-', 'color', colour);
   plot(view.pixels(1, some), view.pixels(2, some), 'x', 'color', colour, 'markersize', 4);
   axis equal;
-  axis([140, 580, 80, 400]);
+  axis([140, 580, 80, 440]);
   set(gca, 'ydir', 'reverse', 'box', 'on');  % v points down
   xlabel('u (pixels)');
   ylabel('v (pixels)');

@@ -33,8 +33,8 @@ function outliers_demo(folder)
     fprintf('%-8s %11.3f deg %13.3f %% %10d %10d\n', losses{k}, turn, shift, sum(~infos(k).inliers), infos(k).iterations);
   end
   f = new_picture(5);
-  panel([0.09, 0.15, 0.39, 0.74], infos(1), 'no loss: outliers pull the pose away', view.image_size);
-  panel([0.59, 0.15, 0.39, 0.74], infos(4), 'Tukey: outliers have no pull', view.image_size);
+  panel([0.08, 0.2, 0.37, 0.68], infos(1), 'no loss: outliers pull the pose away', view.image_size);
+  panel([0.57, 0.2, 0.37, 0.68], infos(4), 'Tukey: outliers have no pull', view.image_size);
   save_picture(f, fullfile(folder, 'outliers.png'), [1300, 580]);
 end
 

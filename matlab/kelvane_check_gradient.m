@@ -88,7 +88,7 @@ function [pose, points, K] = scene_of(pose, points, intrinsics, options)
   if size(points, 1) ~= 3
     points = points';
   end
-  points = points(:, unique(round(linspace(1, n, min(n, 20)))));
+  points = evenly_spread(points, 20);
   K = matrix_of(intrinsics, size(seen, 1));
   if ~isempty(K) && (K(1, 1) ~= K(2, 2) || K(1, 2) ~= 0)
     error('kelvane:intrinsics', 'kelvane_mex has one focal length and no skew: there is no such derivative to check.');

@@ -3,41 +3,41 @@
 % that each looks, and saves the picture.
 function plot_model(problems, results, file)
   good = cellfun(@isempty, {results.error});
-  problems = problems(good);
-  after = [results(good).pose];
-  before = [problems.start];
-  ids = [problems.point_ids];
-  points = [problems.points];
-  [~, first] = unique(ids);
-  points = points(:, first);
   f = new_picture(5);
-  target = axes('position', [0.08, 0.14, 0.42, 0.74]);
-  draw_rms(target, results(good));
-  target = axes('position', [0.58, 0.08, 0.40, 0.82]);
+  draw_rms(axes('position', [0.08, 0.14, 0.40, 0.74]), [results(good).info]);
+  draw_scene(axes('position', [0.59, 0.08, 0.40, 0.82]), problems(good), [results(good).pose]);
+  save_picture(f, file, [1500, 640]);
+end
+
+function draw_rms(target, infos)
+  n = numel(infos);
+  before = [infos.rms_plain_before];
+  after = [infos.rms_plain_after];
+  colors = [0.84, 0.37, 0; 0, 0.45, 0.70];
+  semilogy(target, 1:n, before, 'o', 'color', colors(1, :));
+  hold(target, 'on');
+  semilogy(target, 1:n, after, 'x', 'color', colors(2, :));
+  middle = sqrt(max(after) * min(before));
+  draw_legend({'before', 'after'}, {'o', 'x'}, colors, [6, 6], 0.75 * n, 0.8 * n, middle * [1.3, 0.7]);
+  set(target, 'xlim', [0, n + 1], 'ylim', [min(after) / 3, max(before) * 3], 'ygrid', 'on', 'yminorgrid', 'off', ...
+      'gridcolor', [0.4, 0.4, 0.4]);
+  xlabel(target, 'image');
+  ylabel(target, 'RMS (pixels)');
+  title(target, 'RMS of each image');
+end
+
+function draw_scene(target, problems, after)
+  before = [problems.start];
+  points = [problems.points];
+  [~, first] = unique([problems.point_ids]);
+  points = points(:, first);
   plot3(target, points(1, :), points(2, :), points(3, :), '.', 'color', [0.6, 0.6, 0.6], 'markersize', 3);
   hold(target, 'on');
   sight = mean(sqrt(sum(([after.centre] - mean(points, 2)).^2, 1))) / 4;
   draw_cameras(target, before, sight, [0.84, 0.37, 0]);
   draw_cameras(target, after, sight, [0, 0.45, 0.70]);
-  axis(target, cube_around([points, [before.centre], [after.centre]]));
-  set(target, 'plotboxaspectratio', [1, 1, 1]);
-  view(target, -30, 30);
+  show_cube(target, [points, [before.centre], [after.centre]]);
   title(target, sprintf('%d cameras, before (orange) and after (blue)', numel(after)));
-  save_picture(f, file, [1500, 640]);
-end
-
-function draw_rms(target, results)
-  n = numel(results);
-  infos = [results.info];
-  before = [infos.rms_plain_before];
-  after = [infos.rms_plain_after];
-  semilogy(target, 1:n, before, 'o', 'color', [0.84, 0.37, 0]);
-  hold(target, 'on');
-  semilogy(target, 1:n, after, 'x', 'color', [0, 0.45, 0.70]);
-  set(target, 'xlim', [0, n + 1], 'ylim', [min(after) / 3, max(before) * 3], 'ygrid', 'on', 'yminorgrid', 'off');
-  xlabel(target, 'image');
-  ylabel(target, 'RMS (pixels)');
-  title(target, 'RMS of each image before (o) and after (x)');
 end
 
 % A line from each centre along the optical axis.
@@ -50,9 +50,15 @@ function draw_cameras(target, poses, sight, color)
   end
 end
 
-% Limits of the same length along all three axes.
-function limits = cube_around(points)
+% Limits of the same length along all three axes, with names clear of the ticks, over which gnuplot writes.
+function show_cube(target, points)
   middle = (max(points, [], 2) + min(points, [], 2)) / 2;
   half = max(max(points, [], 2) - min(points, [], 2)) * 0.52;
-  limits = reshape([middle - half, middle + half]', 1, 6);
+  low = middle - half;
+  axis(target, reshape([low, middle + half]', 1, 6));
+  set(target, 'plotboxaspectratio', [1, 1, 1], 'dataaspectratio', [1, 1, 1], 'box', 'on');
+  view(target, -30, 30);
+  text(middle(1), low(2) - half / 2, low(3), 'X (model unit)', 'parent', target);
+  text(low(1) - half / 2, middle(2), low(3), 'Y (model unit)', 'parent', target, 'horizontalalignment', 'right');
+  zlabel(target, 'Z (model unit)');
 end

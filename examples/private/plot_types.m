@@ -14,6 +14,7 @@ function plot_types(above, types, file)
     hold off;
     frame_panel(types(k), row, column);
   end
+  draw_names(colors, size(above, 3));
   save_picture(f, file, [1500, 700]);
 end
 
@@ -43,4 +44,14 @@ function frame_panel(type, row, column)
   if column == 0
     ylabel('(RMS - least) / least');
   end
+end
+
+% Of the lines, in the place of an eighth panel.
+function draw_names(colors, n)
+  axes('position', [0.82, 0.06, 0.17, 0.36]);
+  hold on;
+  axis([0, 1, 0, 1]);
+  axis off;
+  names = arrayfun(@(i) sprintf('photograph %d', i), 1:n, 'UniformOutput', false);
+  draw_legend(names, repmat({'-o'}, 1, n), colors, repmat(3, 1, n), [0, 0.2], 0.28, linspace(0.9, 0.1, n));
 end

@@ -1,15 +1,22 @@
 % SPDX-License-Identifier: BSD-3-Clause
-% Draws where the points of a refinement's info were observed and where a pose sees them.
+% Draws where the points of a refinement's info were observed and where a pose sees them: all, or 500 inliers and 500 outliers,
+% which are as many as can be told apart in a picture.
 function drawn = plot_residuals(target, info, pose, rms, name)
-  observed = in_picture(info.observations);
-  seen = in_picture(kelvane_project(pose, info.points, info.intrinsics));
+  good = find(info.inliers);
+  bad = find(~info.inliers);
+  shown_good = evenly_spread(good, 500);
+  shown_bad = evenly_spread(bad, 500);
+  shown = sort([shown_good, shown_bad]);
+  all_observed = in_picture(info.observations);
+  observed = all_observed(:, shown);
+  seen = in_picture(kelvane_project(pose, info.points(:, shown), info.intrinsics));
   lines = cat(3, observed, seen, NaN(size(seen)));
   lines = reshape(permute(lines, [1, 3, 2]), 2, []);
-  good = info.inliers;
-  drawn.residuals = plot(target, lines(1, :), lines(2, :), '-', 'color', [0.6, 0.6, 0.6]);
-  drawn.observed = plot(target, observed(1, good), observed(2, good), 'o', 'color', [0, 0.45, 0.70], 'markersize', 4);
-  drawn.outliers = plot(target, observed(1, ~good), observed(2, ~good), 's', 'color', [0.8, 0.2, 0.5], 'markersize', 4);
-  drawn.predicted = plot(target, seen(1, :), seen(2, :), 'x', 'color', [0.84, 0.37, 0], 'markersize', 4);
+  mark = @(xy, style, color) plot(target, xy(1, :), xy(2, :), style, 'color', color, 'markersize', 4);
+  drawn.residuals = mark(lines, '-', [0.6, 0.6, 0.6]);
+  drawn.observed = mark(all_observed(:, shown_good), 'o', [0, 0.45, 0.70]);
+  drawn.outliers = mark(all_observed(:, shown_bad), 's', [0.8, 0.2, 0.5]);
+  drawn.predicted = mark(seen, 'x', [0.84, 0.37, 0]);
   if isempty(info.intrinsics)
     draw_right_angle(target, observed);
     axis_names = {'right (degrees off the axis)', 'down (degrees off the axis)'};
@@ -21,10 +28,14 @@ function drawn = plot_residuals(target, info, pose, rms, name)
   directions = {'reverse', 'normal'};
   set(target, 'ydir', directions{1 + has_y_up(info.intrinsics)}, 'box', 'on');
   axis(target, 'equal');
-  axis(target, box_around(observed));
+  axis(target, box_around(all_observed));
   xlabel(target, axis_names{1});
   ylabel(target, axis_names{2});
   title(target, sprintf('%s: %s %.3g %s', name, name_of_rms(info), rms, unit));
+  add_legend(target, {drawn.observed, 'observed', numel(shown_good), numel(good)
+                      drawn.outliers, 'outliers', numel(shown_bad), numel(bad)
+                      drawn.predicted, 'predicted', 1, 1
+                      drawn.residuals, 'difference', 1, 1});
 end
 
 % Pixels stay; directions become the angle from the optical axis along the way that they point to.
@@ -44,7 +55,7 @@ end
 function draw_right_angle(target, observed)
   if any(sum(observed.^2, 1) > 90^2)
     turn = linspace(0, 2 * pi, 181);
-    plot(target, 90 * cos(turn), 90 * sin(turn), '--', 'color', [0.4, 0.4, 0.4], 'linewidth', 0.5);
+    plot(target, 90 * cos(turn), 90 * sin(turn), '--', 'color', [0.5, 0.5, 0.5], 'linewidth', 0.5);
   end
 end
 
