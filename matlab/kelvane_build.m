@@ -16,11 +16,12 @@
 %     calls          1 x M, the inputs of each call of mex, a cell of words
 %
 %   Example:
-%     [files, calls] = kelvane_build('DryRun', true, 'Output', 'here');
-%     [~, source] = fileparts(calls{1}{end});
-%     fprintf('%s after mex %s ... %s.cpp\n', files{1}(1:16), calls{1}{1}, source);
-%   Output:
-%     here/kelvane_mex after mex -c ... kelvane_mex.cpp
+%     >> [files, calls] = kelvane_build('DryRun', true, 'Output', 'here');
+%     >> files{1}
+%     ans = here/kelvane_mex.mex
+%     >> calls{1}{1}
+%     ans = -c
+%
 %
 %   See also kelvane_mex, mex.
 
@@ -153,3 +154,8 @@ end
 %!error <Output must be a folder> kelvane_build('Output', 3)
 %!error <Output must be a folder> kelvane_build('Output', '')
 %!error <Did you mean 'Output'> kelvane_build('Outputs', '/usr')
+
+%!demo
+%! % what would be compiled, and how
+%! [files, calls] = kelvane_build('DryRun', true);
+%! disp(files)

@@ -51,15 +51,19 @@
 %     coefficients  4, 5, 8, 12 or 14 for kind 'perspective', 4 for 'fisheye'
 %
 %   Example:
-%     camera = kelvane_camera('OPENCV', [800 810 320 240, -0.3 0.1 1e-3 -2e-3]);
-%     pixels = kelvane_project(eye(4), [0 1; 0 1; 2 5], camera, 'PoseFrame', 'camera_from_world');
-%     fprintf('(%.3f, %.3f)\n', pixels);
-%     [K, coefficients] = kelvane_camera(camera, 'opencv');
-%     fprintf('fy %g, k1 %g, p2 %g\n', K(2, 2), coefficients([1, 4]));
-%   Output:
-%     (320.000, 240.000)
-%     (476.070, 398.216)
-%     fy 810, k1 -0.3, p2 -0.002
+%     >> camera = kelvane_camera('OPENCV', [800 810 320 240, -0.3 0.1 1e-3 -2e-3]);
+%     >> pixels = kelvane_project(eye(4), [0 1; 0 1; 2 5], camera, 'PoseFrame', 'camera_from_world')
+%     pixels =
+%        320.00   476.07
+%        240.00   398.22
+%     >> [K, coefficients] = kelvane_camera(camera, 'opencv')
+%     K =
+%        800     0   320
+%          0   810   240
+%          0     0     1
+%     coefficients =
+%       -3.0000e-01   1.0000e-01   1.0000e-03  -2.0000e-03
+%
 %
 %   See also kelvane_undistort, kelvane_distort, kelvane_project, kelvane_refine.
 
@@ -214,3 +218,12 @@ end
 %!error <A fisheyeIntrinsics maps> kelvane_camera(struct('MappingCoefficients', 1:4))
 %!error <struct has no FocalLength> kelvane_camera(struct('f', 1))
 %!error <RadialDistortion must have 2 or 3> kelvane_camera(struct('FocalLength', [1 1], 'PrincipalPoint', [0 0], 'Skew', 0, 'RadialDistortion', 1:4, 'TangentialDistortion', [0 0]))
+
+%!demo
+%! % how far a lens moves the pixels of a straight line
+%! camera = kelvane_camera('RADIAL', [800 320 240, -0.3 0.1]);
+%! line = [linspace(0, 640, 30); 60 * ones(1, 30)];
+%! bent = kelvane_distort(line, camera);
+%! plot(line(1, :), line(2, :), '--', bent(1, :), bent(2, :), '-o')
+%! axis('equal'), axis('ij'), xlabel('u (pixels)'), ylabel('v (pixels)')
+%! legend('ideal pixels', 'through the lens')

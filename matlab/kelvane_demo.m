@@ -14,8 +14,7 @@
 %   'colmap' takes a model of your own too: see help colmap_demo, once the folder examples is on the path.
 %
 %   Example:
-%     kelvane_demo()
-%   Output:
+%     >> kelvane_demo()
 %     chessboard  six photographs of a chessboard, refined with four rotation types
 %     photograph  a chessboard's lines in its photograph, before and after a refinement
 %     types       the seven rotation types for pixels racing on one view
@@ -25,6 +24,7 @@
 %     colmap      a whole COLMAP model, read, refined on all processors and written back
 %     convergence the seven rotation types for pixels on six photographs of a chessboard
 %     conventions the frames, the image and directions, drawn from one pose
+%
 %
 %   See also kelvane_refine, kelvane_batch, kelvane_plot, kelvane_mex.
 
@@ -115,3 +115,6 @@ end
 
 %!error <'bearing' is not a demo. Did you mean 'bearings'> kelvane_demo('bearing')
 %!error <folder must be a text; this is of class double> kelvane_demo('types', 3)
+
+%!demo
+%! kelvane_demo()

@@ -18,15 +18,13 @@
 %     num_without  how many are NaN
 %
 %   Example:
-%     camera = kelvane_camera('OPENCV_FISHEYE', [300 300 320 240, 0.05 -0.01 0 0]);
-%     [pixels, num_without] = kelvane_distort([0 1 1; 0 0 1; 1 0 -1], camera);
-%     fprintf('(%.3f, %.3f)\n', pixels);
-%     fprintf('%d without\n', num_without);
-%   Output:
-%     (320.000, 240.000)
-%     (820.686, 240.000)
-%     (788.660, 708.660)
-%     0 without
+%     >> camera = kelvane_camera('OPENCV_FISHEYE', [300 300 320 240, 0.05 -0.01 0 0]);
+%     >> [pixels, num_without] = kelvane_distort([0 1 1; 0 0 1; 1 0 -1], camera)
+%     pixels =
+%        320.00   820.69   788.66
+%        240.00   240.00   708.66
+%     num_without = 0
+%
 %
 %   See also kelvane_undistort, kelvane_camera, kelvane_project.
 
@@ -56,3 +54,10 @@ end
 %! assert(num_without, 1);
 %!error <needs pixels or directions> kelvane_distort(1)
 %!error <seen must be 2 x N or N x 2 \(pixels\) or 3 x N or N x 3 \(directions\); this is 4 x 5> kelvane_distort(rand(4, 5), [1 2 3])
+
+%!demo
+%! % the corners of ideal images of three sizes, seen through a fisheye lens
+%! camera = kelvane_camera('OPENCV_FISHEYE', [300 300 320 240, 0.05 -0.01 0 0]);
+%! for size = [100 200 400]
+%!   kelvane_distort([320 + size * [-1 1 1 -1]; 240 + size * [-1 -1 1 1]], camera)
+%! end

@@ -48,14 +48,17 @@
 %   kelvane_refine and kelvane_batch do this for themselves where they are given no start.
 %
 %   Example:
-%     points = [-1 1 1 -1 0 0.5 -0.7 0.2 0.8; -1 -1 1 1 0 0.3 0.4 -0.6 0.1; 0 0.2 0 0.4 1 -0.5 0.7 -0.2 0.3];
-%     K = [500 0 320; 0 510 240; 0 0 1];
-%     pixels = kelvane_project([0 0 0, 0.1 -0.2 -4], points, K, 'PoseFrame', 'world_from_camera');
-%     pixels(:, [2 6]) = pixels(:, [6 2]);  % two points mistaken for each other
-%     [pose, info] = kelvane_estimate(points, pixels, K);
-%     fprintf('centre (%.6f, %.6f, %.6f), wrong:%s\n', pose.centre, sprintf(' %d', find(~info.inliers)));
-%   Output:
-%     centre (0.100000, -0.200000, -4.000000), wrong: 2 6
+%     >> points = [-1 1 1 -1 0 0.5 -0.7 0.2 0.8; -1 -1 1 1 0 0.3 0.4 -0.6 0.1; 0 0.2 0 0.4 1 -0.5 0.7 -0.2 0.3];
+%     >> K = [500 0 320; 0 510 240; 0 0 1];
+%     >> pixels = kelvane_project([0 0 0, 0.1 -0.2 -4], points, K, 'PoseFrame', 'world_from_camera');
+%     >> pixels(:, [2 6]) = pixels(:, [6 2]);  % two points mistaken for each other
+%     >> [pose, info] = kelvane_estimate(points, pixels, K);
+%     >> fprintf('centre (%.6f, %.6f, %.6f)\n', pose.centre)
+%     centre (0.100000, -0.200000, -4.000000)
+%     >> wrong = find(~info.inliers)
+%     wrong =
+%        2   6
+%
 %
 %   See also kelvane_refine, kelvane_batch, kelvane_pose, kelvane_camera, kelvane_project.
 
@@ -212,3 +215,13 @@ end
 %!error <observations\(:, 2\) has the length 0> kelvane_estimate(rand(3, 4), [1 0 1 1; 1 0 2 1; 1 0 3 1], [])
 %!error <With 2 x N observations the intrinsics must be> kelvane_estimate(rand(3, 5), rand(2, 5), [])
 %!error <observations must be 2 x N or N x 2> kelvane_estimate(rand(3, 5), rand(4, 5), [1 0 0])
+
+%!demo
+%! % two of three pixels belong to other points, and there is no start
+%! k = 1:60;
+%! points = [sin(7 * k); cos(11 * k); sin(13 * k + 1)];
+%! truth = kelvane_pose([0.3 -0.5 0.2, 0.1 -0.2 -4], 'rotation_vector', 'world_from_camera');
+%! pixels = kelvane_project(truth, points, [500 320 240]) + 0.5 * [sin(17 * k); cos(19 * k)];
+%! pixels(:, 1:40) = pixels(:, [2:40, 1]);
+%! [pose, info] = kelvane_estimate(points, pixels, [500 320 240], 'Display', 'final');
+%! kelvane_plot(info, 'after')

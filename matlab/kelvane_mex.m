@@ -75,15 +75,17 @@
 %   one tab more, is a caller's context, such as the numbers of points and equations.
 %
 %   Example: a camera at (0.1, -0.2, -4) that looks along z, found again from a start that is a little off
-%     points = [-1 1 1 -1 0 0.5; -1 -1 1 1 0 0.3; 0 0.2 0 0.4 1 -0.5];
-%     centre = [0.1; -0.2; -4];
-%     p = points - repmat(centre, 1, 6);
-%     pixels = [500 * p(1, :) ./ p(3, :) + 320; 500 * p(2, :) ./ p(3, :) + 240];
-%     camera = [0.02 -0.03 0.01, 0.2 -0.1 -3.8, 500 320 240];
-%     x = kelvane_mex(camera, points, pixels);
-%     fprintf('turn %.6f rad, centre (%.6f, %.6f, %.6f)\n', norm(x(1:3)), x(4:6));
+%     >> points = [-1 1 1 -1 0 0.5; -1 -1 1 1 0 0.3; 0 0.2 0 0.4 1 -0.5];
+%     >> centre = [0.1; -0.2; -4];
+%     >> p = points - repmat(centre, 1, 6);
+%     >> pixels = [500 * p(1, :) ./ p(3, :) + 320; 500 * p(2, :) ./ p(3, :) + 240];
+%     >> camera = [0.02 -0.03 0.01, 0.2 -0.1 -3.8, 500 320 240];
+%     >> x = kelvane_mex(camera, points, pixels);
+%     >> fprintf('turn %.6f rad, centre (%.6f, %.6f, %.6f)\n', norm(x(1:3)), x(4:6))
+%     turn 0.000000 rad, centre (0.100000, -0.200000, -4.000000)
 %
-%   See also kelvane_refine, kelvane_types, kelvane_check_gradient, chessboard_demo.
+%
+%   See also kelvane_refine, kelvane_types, kelvane_check_gradient, kelvane_demo.
 
 % SPDX-License-Identifier: BSD-3-Clause
 % Help of the compiled function, which takes precedence over this file in the same folder.
@@ -92,3 +94,13 @@ function x = kelvane_mex(varargin) %#ok<STOUT>
         'kelvane_build, or by "cmake --preset release" and "cmake --build --preset release" and then addpath the folder ' ...
         'build/release, so that it comes before this one.'], 'kelvane_mex');
 end
+
+%!demo
+%! % one call each time from where the last one ended
+%! points = [-1 1 1 -1 0 0.5; -1 -1 1 1 0 0.3; 0 0.2 0 0.4 1 -0.5];
+%! pose = struct('rotation', eye(3), 'centre', [0.1; -0.2; -4]);
+%! pixels = kelvane_project(pose, points, [500 320 240]);
+%! x = [0.02 -0.03 0.01, 0.2 -0.1 -3.8]
+%! for call = 1:3
+%!   x = kelvane_mex([x, 500 320 240], points, pixels)
+%! end

@@ -26,17 +26,17 @@
 %   points, start, camera and ellipsoid; for all four, a 1 x 4 struct array.
 %
 %   Example:
-%     points = [-1 1 1 -1 0 0.5; -1 -1 1 1 0 0.3; 0 0.2 0 0.4 1 -0.5];
-%     pixels = kelvane_project([0 0 0, 0.1 -0.2 -4], points, [500 320 240], 'PoseFrame', 'world_from_camera');
-%     pixels(1, :) = pixels(1, :) + [0.3 -0.2 0.4 -0.1 0.2 -0.5];
-%     start = [0.02 -0.03 0.01, 0.2 -0.1 -3.8];
-%     [~, info] = kelvane_refine(start, points, pixels, [500 320 240], 'PoseFrame', 'world_from_camera');
-%     f = figure('visible', 'off');
-%     handles = kelvane_plot(info, 'rms');
-%     fprintf('%d iterations drawn\n', numel(get(handles.rms, 'xdata')) - 1);
-%     close(f);
-%   Output:
-%     5 iterations drawn
+%     >> points = [-1 1 1 -1 0 0.5; -1 -1 1 1 0 0.3; 0 0.2 0 0.4 1 -0.5];
+%     >> pixels = kelvane_project([0 0 0, 0.1 -0.2 -4], points, [500 320 240], 'PoseFrame', 'world_from_camera');
+%     >> pixels(1, :) = pixels(1, :) + [0.3 -0.2 0.4 -0.1 0.2 -0.5];
+%     >> start = [0.02 -0.03 0.01, 0.2 -0.1 -3.8];
+%     >> [~, info] = kelvane_refine(start, points, pixels, [500 320 240], 'PoseFrame', 'world_from_camera');
+%     >> kelvane_plot(info)         % doctest: +SKIP
+%     >> kelvane_plot(info, 'rms')  % doctest: +SKIP
+%     >> [info.history.rms]         % is what this draws
+%     ans =
+%        8.0421   0.7061   0.2469   0.2469   0.2469   0.2469
+%
 %
 %   See also kelvane_refine, kelvane_project, kelvane_batch, kelvane_demo.
 
@@ -221,3 +221,14 @@ end
 %!error <'late' is not a kind of picture. There are 'before', > kelvane_plot(some_info([500 320 240]), 'late')
 %!error <'aftre' is not a kind of picture. Did you mean 'after'> kelvane_plot(some_info([500 320 240]), 'aftre')
 %!error <One axes has place for one picture> kelvane_plot(0, some_info([500 320 240]))
+
+%!demo
+%! % residuals before and after, RMS by iteration, and the scene
+%! k = 1:200;
+%! points = [432100; 5811235; 80] + 3 * [sin(7 * k); cos(11 * k); sin(13 * k + 1)];  % in metres, UTM
+%! truth = kelvane_pose({[1 0 0; 0 0 1; 0 -1 0], [432101; 5811225; 80]}, 'rotation_centre', 'world_from_camera');
+%! pixels = kelvane_project(truth, points, [500 320 240]) + 0.5 * [sin(17 * k); cos(19 * k)];
+%! pixels(:, 5:20:200) = pixels(:, [25:20:200, 5]);
+%! truth.centre = truth.centre + [0.5; -0.3; 0.2];
+%! [~, info] = kelvane_refine(truth, points, pixels, [500 320 240], 'Loss', 'tukey');
+%! kelvane_plot(info)

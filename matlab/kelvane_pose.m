@@ -38,14 +38,21 @@
 %   scalar of 0 or more.
 %
 %   Example:
-%     T = [0 -1 0 3; 1 0 0 1; 0 0 1 2; 0 0 0 1];
-%     pose = kelvane_pose(T, 'matrix4x4', 'camera_from_world');
-%     fprintf('centre (%g, %g, %g)\n', pose.centre);
-%     parts = kelvane_pose(pose, 'colmap');
-%     fprintf('qvec(1) %.4f, tvec (%g, %g, %g)\n', parts{1}(1), parts{2});
-%   Output:
-%     centre (-1, 3, -2)
-%     qvec(1) 0.7071, tvec (3, 1, 2)
+%     >> T = [0 -1 0 3; 1 0 0 1; 0 0 1 2; 0 0 0 1];
+%     >> pose = kelvane_pose(T, 'matrix4x4', 'camera_from_world');
+%     >> pose.centre
+%     ans =
+%       -1
+%        3
+%       -2
+%     >> parts = kelvane_pose(pose, 'colmap');
+%     >> qvec = parts{1}
+%     qvec =
+%        0.7071        0        0   0.7071
+%     >> tvec = parts{2}
+%     tvec =
+%        3   1   2
+%
 %
 %   See also kelvane_refine, kelvane_project, kelvane_types.
 
@@ -161,3 +168,10 @@ end
 %!error <Seven numbers can be> kelvane_pose([0 0 0 1 0 0 0])
 %!error <must be a vector of 6 elements; this is 1 x 5> kelvane_pose(1:5, 'rotation_vector', 'world_from_camera')
 %!error <must be real> kelvane_pose([1i 0 0 1 2 3], 'rotation_vector', 'world_from_camera')
+
+%!demo
+%! % one pose as the files of COLMAP, OpenCV and a robot have it
+%! pose = kelvane_pose([0.3 -0.5 0.2, 1.8 -0.2 -3.6], 'rotation_vector', 'world_from_camera');
+%! colmap = kelvane_pose(pose, 'colmap')
+%! opencv = kelvane_pose(pose, 'opencv')
+%! matrix = kelvane_pose(pose, 'matrix4x4', 'world_from_camera')

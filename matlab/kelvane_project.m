@@ -24,12 +24,19 @@
 %     depth  1 x N, along the optical axis, world unit; negative behind the camera
 %
 %   Example:
-%     pose = kelvane_pose({[0; 0; 0], [0; 0; 5]}, 'opencv');
-%     [pixels, J, depth] = kelvane_project(pose, [0 1; 0 2; 0 5], [800 320 240]);
-%     fprintf('(%g, %g) at depth %g\n', [pixels; depth]);
-%   Output:
-%     (320, 240) at depth 5
-%     (400, 400) at depth 10
+%     >> pose = kelvane_pose({[0; 0; 0], [0; 0; 5]}, 'opencv');
+%     >> [pixels, J, depth] = kelvane_project(pose, [0 1; 0 2; 0 5], [800 320 240]);
+%     >> pixels
+%     pixels =
+%        320   400
+%        240   400
+%     >> depth
+%     depth =
+%         5   10
+%     >> size(J)
+%     ans =
+%        4   6
+%
 %
 %   See also kelvane_camera, kelvane_refine, kelvane_pose, kelvane_check_gradient.
 
@@ -130,3 +137,12 @@ end
 %!error <struct has no FocalLength> kelvane_project(some_pose(), [1;2;3], struct('f', 1))
 %!error <points\(2, 1\) is NaN> kelvane_project(some_pose(), [1;NaN;3], [1 0 0])
 %!error <'Frame' is not an option of kelvane_project. Did you mean 'PoseFrame'> kelvane_project(eye(4), [1;2;3], [], 'Frame', 'x')
+
+%!demo
+%! % the corners of a cube, seen from a turned camera
+%! [x, y, z] = ndgrid([-1 1]);
+%! corners = [x(:), y(:), z(:)]';
+%! pose = kelvane_pose([0.3 -0.5 0.2, 1.8 -0.2 -3.6], 'rotation_vector', 'world_from_camera');
+%! pixels = kelvane_project(pose, corners, [500 320 240]);
+%! plot(pixels(1, [1 2 4 3 1 5 6 8 7 5]), pixels(2, [1 2 4 3 1 5 6 8 7 5]), '-o')
+%! axis('equal'), axis('ij'), xlabel('u (pixels)'), ylabel('v (pixels)'), legend('two faces of a cube')

@@ -19,17 +19,22 @@
 %   3 x 3.
 %
 %   Example:
-%     bal = tempname();
-%     file = fopen(bal, 'w');
-%     fprintf(file, '1 1 1\n0 0 -30 40\n');              % cameras, points, observations; camera 0 sees point 0 up left
-%     fprintf(file, '%g\n', [0 0 0, 0 0 0, 100 0 0]);    % rotation vector, translation, focal length, distortion
-%     fprintf(file, '%g\n', [-3 4 -10]);                 % the point, in front of a camera that looks along -z
-%     fclose(file);
-%     problem = kelvane_read_bal(bal);
-%     fprintf('seen at (%g, %g), ', problem.observations);
-%     fprintf('predicted (%g, %g)\n', kelvane_project(problem.start, problem.points, problem.intrinsics));
-%   Output:
-%     seen at (-30, 40), predicted (-30, 40)
+%     >> bal = tempname();
+%     >> file = fopen(bal, 'w');
+%     >> fprintf(file, '1 1 1\n0 0 -30 40\n');              % cameras, points, observations; camera 0 sees point 0 up left
+%     >> fprintf(file, '%g\n', [0 0 0, 0 0 0, 100 0 0]);    % rotation vector, translation, focal length, distortion
+%     >> fprintf(file, '%g\n', [-3 4 -10]);                 % the point, in front of a camera that looks along -z
+%     >> fclose(file);
+%     >> problem = kelvane_read_bal(bal);
+%     >> problem.observations
+%     ans =
+%       -30
+%        40
+%     >> kelvane_project(problem.start, problem.points, problem.intrinsics)
+%     ans =
+%       -30
+%        40
+%
 %
 %   See also kelvane_write_bal, kelvane_batch, kelvane_read_colmap, kelvane_camera, kelvane_refine, kelvane_pose.
 
@@ -73,3 +78,12 @@ end
 %! [seen, ~, depth] = kelvane_project(problems(2).start, problems(2).points, problems(2).intrinsics);
 %! assert(all(depth > 0));
 %! assert(seen, p, 1e-10);
+
+%!demo
+%! % a camera that looks along -z and sees one point up left
+%! bal = tempname();
+%! file = fopen(bal, 'w');
+%! fprintf(file, '1 1 1\n0 0 -30 40\n');
+%! fprintf(file, '%g\n', [0 0 0, 0 0 0, 100 0 0, -3 4 -10]);
+%! fclose(file);
+%! problem = kelvane_read_bal(bal)

@@ -27,23 +27,28 @@
 %   and kelvane_camera(intrinsics, 'opencv') give these.
 %
 %   Example:
-%     folder = tempname();
-%     mkdir(folder);
-%     texts = {'cameras', '1 SIMPLE_RADIAL 640 480 500 320 240 0.1'
-%              'images', sprintf('7 1 0 0 0 0 0 2 1 first.jpg\n320 240 4 433 240 5')
-%              'points3D', sprintf('4 0 0 3 0 0 0 0.1 7 0\n5 1.1 0 3 0 0 0 0.1 7 1')};
-%     for k = 1:3
-%       file = fopen(fullfile(folder, [texts{k, 1}, '.txt']), 'w');
-%       fprintf(file, '%s\n', texts{k, 2});
-%       fclose(file);
-%     end
-%     problem = kelvane_read_colmap(folder);
-%     fprintf('%s of %s: (%g, %g) and (%g, %g)\n', problem.name, problem.intrinsics.model, problem.observations);
-%     fprintf('without the lens (%.2f, %.2f) and (%.2f, %.2f)\n', ...
-%             kelvane_undistort(problem.observations, problem.intrinsics));
-%   Output:
-%     first.jpg of SIMPLE_RADIAL: (320, 240) and (433, 240)
-%     without the lens (320.00, 240.00) and (432.43, 240.00)
+%     >> folder = tempname();
+%     >> mkdir(folder);
+%     >> texts = {'cameras', '1 SIMPLE_RADIAL 640 480 500 320 240 0.1'
+%     ..          'images', sprintf('7 1 0 0 0 0 0 2 1 first.jpg\n320 240 4 433 240 5')
+%     ..          'points3D', sprintf('4 0 0 3 0 0 0 0.1 7 0\n5 1.1 0 3 0 0 0 0.1 7 1')};
+%     >> for k = 1:3
+%     ..   file = fopen(fullfile(folder, [texts{k, 1}, '.txt']), 'w');
+%     ..   fprintf(file, '%s\n', texts{k, 2});
+%     ..   fclose(file);
+%     .. end
+%     >> problem = kelvane_read_colmap(folder);
+%     >> problem.name
+%     ans = first.jpg
+%     >> problem.observations
+%     ans =
+%        320   433
+%        240   240
+%     >> kelvane_undistort(problem.observations, problem.intrinsics)
+%     ans =
+%        320.00   432.43
+%        240.00   240.00
+%
 %
 %   See also kelvane_write_colmap, kelvane_batch, kelvane_read_bal, kelvane_camera, kelvane_refine, kelvane_pose.
 
@@ -87,3 +92,7 @@ end
 %! assert(problems(2).image_size, [64 48]);
 %! confirm_recursive_rmdir(false, 'local');
 %! rmdir(folder, 's');
+
+%!demo
+%! % a model of twelve photographs is read, refined and written back
+%! kelvane_demo('colmap')

@@ -17,10 +17,10 @@
 %     advice          when to take it
 %
 %   Example:
-%     type = kelvane_types('aau-bv');
-%     fprintf('type %d: %s, %d entries\n', type.number, type.title, type.rotation_size);
-%   Output:
+%     >> type = kelvane_types('aau-bv');
+%     >> fprintf('type %d: %s, %d entries\n', type.number, type.title, type.rotation_size)
 %     type 10: rotation vector, 3 entries
+%
 %
 %   See also kelvane_mex, kelvane_check_gradient, kelvane_refine.
 
@@ -90,3 +90,7 @@ end
 %!error <no rotation type 4> kelvane_types(4)
 %!error <'quu' is not a rotation type. Did you mean 'qu'\?> kelvane_types('quu')
 %!error <'xyz' is not a rotation type. There are 'aau', > kelvane_types('xyz')
+
+%!demo
+%! kelvane_types()
+%! type = kelvane_types('qu')

@@ -20,15 +20,15 @@
 %   Every answer leads back to its pixel, to 1e-10 px.
 %
 %   Example:
-%     camera = kelvane_camera('RADIAL', [800 320 240, -0.3 0.1]);
-%     ideal = kelvane_undistort([320 600; 240 100], camera);
-%     fprintf('(%.3f, %.3f)\n', ideal);
-%     fprintf('(%.3f, %.3f)\n', kelvane_distort(ideal, camera));
-%   Output:
-%     (320.000, 240.000)
-%     (614.060, 92.970)
+%     >> camera = kelvane_camera('RADIAL', [800 320 240, -0.3 0.1]);
+%     >> ideal = kelvane_undistort([320 600; 240 100], camera)
+%     ideal =
+%        320.000   614.060
+%        240.000    92.970
+%     >> fprintf('(%.3f, %.3f)\n', kelvane_distort(ideal, camera))
 %     (320.000, 240.000)
 %     (600.000, 100.000)
+%
 %
 %   See also kelvane_distort, kelvane_camera, kelvane_project.
 
@@ -87,3 +87,9 @@ end
 %!error <pixels must be 2 x N or N x 2 \(pixels\); this is 3 x 5> kelvane_undistort(rand(3, 5), [1 2 3])
 %!error <Did you mean 'directions'> kelvane_undistort([1; 2], [1 2 3], 'direction')
 %!error <\[\] stands for directions> kelvane_undistort([1; 2], [])
+
+%!demo
+%! % measured pixels as ideal ones, and as directions
+%! camera = kelvane_camera('RADIAL', [800 320 240, -0.3 0.1]);
+%! ideal = kelvane_undistort([320 600; 240 100], camera)
+%! directions = kelvane_undistort([320 600; 240 100], camera, 'directions')

@@ -13,20 +13,20 @@
 %              with an error or without a pose are left out.
 %
 %   Example:
-%     bal = tempname();
-%     file = fopen(bal, 'w');
-%     fprintf(file, '1 4 4\n');                                          % cameras, points, observations
-%     fprintf(file, '0 %d %g %g\n', [0:3; 0 100 0 100; 0 0 100 50]);     % camera 0 sees each point
-%     fprintf(file, '%g\n', [0 0 0.01, 0.1 0 0, 1000 0 0]);              % a pose that is not quite right
-%     fprintf(file, '%g %g %g\n', [0 1 0 1.1; 0 0 1 0.55; -10 -10 -10 -11]);
-%     fclose(file);
-%     results = kelvane_batch(kelvane_read_bal(bal), 'Progress', 'off');
-%     refined = tempname();
-%     kelvane_write_bal(refined, bal, results);
-%     problem = kelvane_read_bal(refined);
-%     fprintf('%.6f from the truth\n', norm(problem.start.centre));
-%   Output:
+%     >> bal = tempname();
+%     >> file = fopen(bal, 'w');
+%     >> fprintf(file, '1 4 4\n');                                          % cameras, points, observations
+%     >> fprintf(file, '0 %d %g %g\n', [0:3; 0 100 0 100; 0 0 100 50]);     % camera 0 sees each point
+%     >> fprintf(file, '%g\n', [0 0 0.01, 0.1 0 0, 1000 0 0]);              % a pose that is not quite right
+%     >> fprintf(file, '%g %g %g\n', [0 1 0 1.1; 0 0 1 0.55; -10 -10 -10 -11]);
+%     >> fclose(file);
+%     >> results = kelvane_batch(kelvane_read_bal(bal), 'Progress', 'off');
+%     >> refined = tempname();
+%     >> kelvane_write_bal(refined, bal, results);
+%     >> problem = kelvane_read_bal(refined);
+%     >> fprintf('%.6f from the truth\n', norm(problem.start.centre))
 %     0.000000 from the truth
+%
 %
 %   See also kelvane_read_bal, kelvane_batch, kelvane_write_colmap, kelvane_write_csv.
 
@@ -88,3 +88,16 @@ end
 %! assert(results.exitflag, -4);
 %! kelvane_write_bal(target, source, results);
 %! assert(fileread(target), fileread(source));
+
+%!demo
+%! % a camera that is not quite right, refined and written
+%! bal = tempname();
+%! file = fopen(bal, 'w');
+%! fprintf(file, '1 4 4\n');
+%! fprintf(file, '0 %d %g %g\n', [0:3; 0 100 0 100; 0 0 100 50]);
+%! fprintf(file, '%g\n', [0 0 0.01, 0.1 0 0, 1000 0 0]);
+%! fprintf(file, '%g %g %g\n', [0 1 0 1.1; 0 0 1 0.55; -10 -10 -10 -11]);
+%! fclose(file);
+%! refined = tempname();
+%! kelvane_write_bal(refined, bal, kelvane_batch(kelvane_read_bal(bal), 'Progress', 'off'))
+%! disp(fileread(refined))

@@ -19,25 +19,25 @@
 %   images. Cameras that move as one in a rig cannot each get a pose of its own; their images are refused.
 %
 %   Example:
-%     points = [-1 1 1 -1 0 0.5; -1 -1 1 1 0 0.3; 4 4.2 4 4.4 5 3.5];
-%     pixels = kelvane_project(kelvane_pose({[1 0 0 0], [0 0 0]}, 'colmap'), points, [500 320 240]);
-%     texts = {'cameras', '1 SIMPLE_PINHOLE 640 480 500 320 240'
-%              'images', sprintf('7 1 0 0 0 0.1 0 -0.1 1 first.jpg\n%s', sprintf('%.9g %.9g %d ', [pixels; 1:6]))
-%              'points3D', sprintf('%d %g %g %g 0 0 0 0\n', [1:6; points])};
-%     model = tempname();
-%     mkdir(model);
-%     for k = 1:3
-%       file = fopen(fullfile(model, [texts{k, 1}, '.txt']), 'w');
-%       fprintf(file, '%s\n', texts{k, 2});
-%       fclose(file);
-%     end
-%     results = kelvane_batch(kelvane_read_colmap(model), 'Progress', 'off');
-%     refined = tempname();
-%     kelvane_write_colmap(refined, model, results);
-%     problem = kelvane_read_colmap(refined);
-%     fprintf('%s: %.6f from the truth\n', problem.name, norm(problem.start.centre));
-%   Output:
+%     >> points = [-1 1 1 -1 0 0.5; -1 -1 1 1 0 0.3; 4 4.2 4 4.4 5 3.5];
+%     >> pixels = kelvane_project(kelvane_pose({[1 0 0 0], [0 0 0]}, 'colmap'), points, [500 320 240]);
+%     >> texts = {'cameras', '1 SIMPLE_PINHOLE 640 480 500 320 240'
+%     ..          'images', sprintf('7 1 0 0 0 0.1 0 -0.1 1 first.jpg\n%s', sprintf('%.9g %.9g %d ', [pixels; 1:6]))
+%     ..          'points3D', sprintf('%d %g %g %g 0 0 0 0\n', [1:6; points])};
+%     >> model = tempname();
+%     >> mkdir(model);
+%     >> for k = 1:3
+%     ..   file = fopen(fullfile(model, [texts{k, 1}, '.txt']), 'w');
+%     ..   fprintf(file, '%s\n', texts{k, 2});
+%     ..   fclose(file);
+%     .. end
+%     >> results = kelvane_batch(kelvane_read_colmap(model), 'Progress', 'off');
+%     >> refined = tempname();
+%     >> kelvane_write_colmap(refined, model, results);
+%     >> problem = kelvane_read_colmap(refined);
+%     >> fprintf('%s: %.6f from the truth\n', problem.name, norm(problem.start.centre))
 %     first.jpg: 0.000000 from the truth
+%
 %
 %   See also kelvane_read_colmap, kelvane_batch, kelvane_write_bal, kelvane_write_csv.
 
@@ -76,3 +76,7 @@ end
 %!   assert(~isempty(strfind(caught.message, 'cameras.txt cannot be read')), caught.message);
 %! end
 %! assert(~exist(folder, 'dir'));
+
+%!demo
+%! % a model of twelve photographs is read, refined and written back
+%! kelvane_demo('colmap')

@@ -16,18 +16,19 @@
 %   Either the whole file is written or, after an error, a full disk or an interruption, it is as it was.
 %
 %   Example:
-%     points = [-1 1 1 -1 0 0.5; -1 -1 1 1 0 0.3; 0 0.2 0 0.4 1 -0.5];
-%     truth = kelvane_pose([0 0 0, 0 0 -4], 'rotation_vector', 'world_from_camera');
-%     problem = struct('name', 'first', 'start', truth, 'points', points, 'intrinsics', [500 320 240], ...
-%                      'observations', kelvane_project(truth, points, [500 320 240]));
-%     results = kelvane_batch(problem, 'Progress', 'off');
-%     table = [tempname(), '.csv'];
-%     kelvane_write_csv(results, table);
-%     lines = strsplit(fileread(table), sprintf('\n'));
-%     disp(lines{1}(1:40)), disp(strtok(lines{2}, ','))
-%   Output:
-%     name,exitflag,rms_before,rms_after,num_p
-%     first
+%     >> points = [-1 1 1 -1 0 0.5; -1 -1 1 1 0 0.3; 0 0.2 0 0.4 1 -0.5];
+%     >> truth = kelvane_pose([0 0 0, 0 0 -4], 'rotation_vector', 'world_from_camera');
+%     >> problem = struct('name', 'first', 'start', truth, 'points', points, 'intrinsics', [500 320 240], ...
+%     ..                  'observations', kelvane_project(truth, points, [500 320 240]));
+%     >> results = kelvane_batch(problem, 'Progress', 'off');
+%     >> table = [tempname(), '.csv'];
+%     >> kelvane_write_csv(results, table);
+%     >> lines = strsplit(fileread(table), sprintf('\n'));
+%     >> lines{1}(1:40)
+%     ans = name,exitflag,rms_before,rms_after,num_p
+%     >> strtok(lines{2}, ',')
+%     ans = first
+%
 %
 %   See also kelvane_batch, kelvane_write_colmap, kelvane_write_bal.
 
@@ -100,3 +101,13 @@ end
 %! assert(numel(strsplit(lines{1}, ',')), numel(values) + 1);
 %! assert(strncmp(lines{3}, ['c', repmat(',NaN', 1, 21), ',"'], 87));
 %! assert(lines{3}(end - numel(results(2).error):end - 1), results(2).error(1:end));
+
+%!demo
+%! % the first lines of a table of results
+%! points = [-1 1 1 -1 0 0.5; -1 -1 1 1 0 0.3; 0 0.2 0 0.4 1 -0.5];
+%! start = kelvane_pose([0 0 0, 0 0 -4], 'rotation_vector', 'world_from_camera');
+%! problem = struct('start', start, 'points', points, 'intrinsics', [500 320 240], ...
+%!                  'observations', kelvane_project(start, points, [500 320 240]) + 1);
+%! table = [tempname(), '.csv'];
+%! kelvane_write_csv(kelvane_batch(problem, 'Progress', 'off'), table)
+%! disp(fileread(table))

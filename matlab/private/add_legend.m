@@ -13,5 +13,5 @@ function add_legend(target, rows)
     small = min(0.9 * get(target, 'fontsize'), max(4, get(target, 'fontsize') / 2));  % print doubles it, and its lines' distance twice
     look = {'orientation', 'horizontal', 'fontsize', small};
   end
-  legend(target, [rows{:, 1}], rows(:, 2)', 'location', 'southoutside', 'box', 'off', look{:});
+  legend(target, [rows{:, 1}], rows(:, 2)', 'location', 'southoutside', 'box', 'off', 'color', 'none', look{:});
 end

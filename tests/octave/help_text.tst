@@ -18,11 +18,9 @@
 %! end
 
 %!test  % the example runs as printed
-%! lines = help_lines('kelvane_mex');
-%! first = find(strncmp(strtrim(lines), 'Example:', 8)) + 1;
-%! last = find(strncmp(strtrim(lines), 'See also', 8)) - 1;
-%! assert([numel(first), numel(last)], [1, 1]);
-%! printed = evalc(strjoin(lines(first:last), "\n"));
+%! code = regexp(get_help_text('kelvane_mex'), '^ *>> (.*)$', 'tokens', 'lineanchors', 'dotexceptnewline');
+%! assert(numel(code), 7);
+%! printed = evalc(strjoin([code{:}], "\n"));
 %! assert(printed, sprintf('turn 0.000000 rad, centre (0.100000, -0.200000, -4.000000)\n'));
 
 %!test  % every rotation type is listed

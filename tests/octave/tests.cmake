@@ -20,7 +20,7 @@ set(topics number_of_arguments rotation_type camera_and_points criteria_and_weig
 set(topics_of_functions help_of_functions examples_of_pages refine_costs refine_covariance refine_data refine_far_starts
                         refine_outliers refine_poses refine_reports refine_info refine_known reports_page interrupts
                         batch_engines batch_processes demos demo_folders read_bal read_cameras read_colmap
-                        written_models plots)
+                        written_models plots batch_problems gradient_scenes refine_options)
 set(functions kelvane_batch kelvane_camera kelvane_check_gradient kelvane_demo kelvane_distort kelvane_estimate kelvane_plot kelvane_pose
               kelvane_project kelvane_read_bal kelvane_read_colmap kelvane_refine kelvane_types kelvane_undistort
               kelvane_write_bal kelvane_write_colmap kelvane_write_csv)

@@ -6,6 +6,8 @@ function use_package()
   assert([exist('kelvane_mex'), exist('kelvane_engine')], [3, 3]);
   assert(strncmp(strtrim(get_help_text('kelvane_mex')), 'KELVANE_MEX  Refine a camera pose', 33));
   assert(strncmp(strtrim(get_help_text('kelvane_engine')), 'KELVANE_ENGINE  The compiled engine', 35));
+  assert(strncmp(strtrim(get_help_text('kelvane')), 'KELVANE  Camera pose refinement', 31));
+  assert(~isempty(test('kelvane_mex', 'grabdemo')) && ~isempty(test('kelvane_refine', 'grabdemo')));
   assert(~isempty(strfind(evalc('news kelvane'), 'Features')));
   for section = pkg('describe', 'kelvane'){1}.provides
     for name = section{1}.functions
