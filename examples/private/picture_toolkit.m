@@ -1,11 +1,14 @@
 % SPDX-License-Identifier: BSD-3-Clause
-% Chooses the graphics that draw without a screen, where the host is Octave, and silences what they say of themselves for as
-% long as the result is held.
+% Silences what Octave says of gnuplot, with which it draws where there is no screen, for as long as the result is held. An
+% error where that is needed and not there.
 function quiet = picture_toolkit()
   quiet = [];
-  if exist('OCTAVE_VERSION', 'builtin')
+  if is_gnuplot()
+    [status, ~] = system(sprintf('"%s" --version 2>&1', gnuplot_binary()));
+    if status ~= 0
+      error('kelvane:demo', 'Without a screen Octave draws with gnuplot, which is not there: on Debian apt-get install gnuplot-nox.');
+    end
     before = warning('off', 'Octave:gnuplot-graphics');
     quiet = onCleanup(@() warning(before));
-    graphics_toolkit('gnuplot');
   end
 end

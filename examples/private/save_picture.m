@@ -16,7 +16,8 @@ function bytes = drawn_picture(f, size_px)
   file = [tempname(folder), '.png'];
   removing = onCleanup(@() remove_file(file));
   if exist('OCTAVE_VERSION', 'builtin')
-    print(f, file, '-dpngcairo', sprintf('-S%d,%d', size_px));
+    devices = {'-dpng', '-dpngcairo'};
+    print(f, file, devices{1 + is_gnuplot()}, sprintf('-S%d,%d', size_px));
   else
     set(f, 'PaperUnits', 'inches', 'PaperPosition', [0, 0, size_px / 100]);
     print(f, file, '-dpng', '-r100');

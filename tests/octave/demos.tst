@@ -133,3 +133,19 @@
 %!   assert(names, {'chessboard_all_types.png'});
 %!   assert(numel(strfind(text, 'least')) > 30);
 %! end
+
+%!test  % gnuplot is asked for where it is needed and not there; otherwise the user's choice of what draws stays
+%! if can_draw()
+%!   work = tempname();
+%!   confirm_recursive_rmdir(false, 'local');
+%!   removing = onCleanup(@() rmdir(work, 's'));
+%!   before = graphics_toolkit();
+%!   choosing = onCleanup(@() graphics_toolkit(before));
+%!   graphics_toolkit('gnuplot');
+%!   restoring = stand_in('no_gnuplot');
+%!   fail('evalc(''kelvane_demo("conventions", work);'')', 'Without a screen Octave draws with gnuplot, which is not there');
+%!   clear restoring
+%!   graphics_toolkit(before);
+%!   run_demo('conventions');
+%!   assert(graphics_toolkit(), before);
+%! end
