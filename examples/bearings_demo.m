@@ -28,8 +28,8 @@ function bearings_demo(folder)
   fprintf('%-22s%s\n', 'standard deviation', sprintf(' %9.5f', sigma));
   f = new_picture(4);
   kelvane_plot(axes('position', [0.07, 0.22, 0.245, 0.68]), info, 'before');
-  kelvane_plot(axes('position', [0.40, 0.22, 0.245, 0.68]), info, 'after');
-  kelvane_plot(axes('position', [0.71, 0.02, 0.22, 0.9]), info, 'scene');
+  kelvane_plot(axes('position', [0.38, 0.22, 0.245, 0.68]), info, 'after');
+  kelvane_plot(axes('position', [0.68, 0.02, 0.22, 0.9]), info, 'scene');
   save_picture(f, fullfile(folder, 'bearings.png'), [1800, 620]);
 end
 

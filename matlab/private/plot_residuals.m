@@ -30,7 +30,7 @@ function drawn = plot_residuals(target, info, pose, rms, name)
   axis(target, 'equal');
   axis(target, box_around(all_observed));
   xlabel(target, axis_names{1});
-  ylabel(target, axis_names{2});
+  ylabel(target, [axis_names{2}, repmat('\n', 1, is_gnuplot(target))]);  % clear of the ticks
   title(target, sprintf('%s: %s %.3g %s', name, name_of_rms(info), rms, unit));
   add_legend(target, {drawn.observed, 'observed', numel(shown_good), numel(good)
                       drawn.outliers, 'outliers', numel(shown_bad), numel(bad)

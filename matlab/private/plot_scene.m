@@ -19,13 +19,15 @@ function drawn = plot_scene(target, info)
     title(target, 'scene, centre fixed');
   elseif isempty(drawn.ellipsoid)
     title(target, 'scene, centre not determined');
+  elseif zoom == 1
+    title(target, 'scene, ellipsoid in true size');
   else
     title(target, sprintf('scene, ellipsoid enlarged %g times', zoom));
   end
   add_legend(target, {drawn.points, 'points', size(X, 2), size(info.points, 2)
                       drawn.start, 'start', 1, 1
                       drawn.camera, 'refined', 1, 1
-                      drawn.ellipsoid, '3 sigma', numel(drawn.ellipsoid), 1});
+                      drawn.ellipsoid, '3 sigma of centre', numel(drawn.ellipsoid), 1});
 end
 
 % Limits of the same length along all three axes, so that shapes are true, less an origin that is round beside that length.

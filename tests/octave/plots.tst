@@ -91,7 +91,7 @@
 %! drawn_in(f, info, 'rms');
 %! assert(legend_of(f), {'robust RMS'});
 %! drawn_in(f, info, 'scene');
-%! assert(legend_of(f), {'points', 'start', 'refined', '3 sigma'});
+%! assert(legend_of(f), {'points', 'start', 'refined', '3 sigma of centre'});
 %! info.covariance(:) = Inf;
 %! drawn_in(f, some_info([]), 'before');
 %! assert(legend_of(f), {'observed', 'predicted', 'difference'});
