@@ -5,7 +5,7 @@
 %   kelvane_plot(axes, info, what)
 %   handles = kelvane_plot(...)
 %
-%   info is the second output of kelvane_refine. what is one of
+%   info is the second output of kelvane_refine or kelvane_estimate, or the info of a result of kelvane_batch. what is one of
 %     'before'  where the points were observed and where the start sees them, in the image
 %     'after'   the same for the refined pose
 %     'rms'     RMS against the iteration
