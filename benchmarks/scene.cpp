@@ -1,87 +1,116 @@
 // SPDX-License-Identifier: BSD-3-Clause
-// Draws scenes, and measures how well a pose explains them.
+// Draws scenes, and judges poses.
 #include "benchmarks/scene.h"
 
+#include <algorithm>
+#include <array>
 #include <cmath>
+#include <limits>
+#include <numeric>
+#include <opencv2/core.hpp>
 #include <random>
 
 namespace bench {
 namespace {
 
-using Generator = std::mt19937;
+using Generator = std::mt19937_64;
+using Ray = std::array<double, 3>;
+
+constexpr double near = 4;
+constexpr double far = 8;
+constexpr double distance = (near + far) / 2;
+constexpr double turn = 2 * 3.14159265358979323846;
+constexpr double most_tilted = turn / 8;  // the picture's corners are 34 degrees off the axis
 
 double uniform(Generator& random, double low, double high) {
   return std::uniform_real_distribution<double>(low, high)(random);
 }
 
-cv::Vec3d unit_vector(Generator& random) {
+kelvane::Pose random_pose(Generator& random) {
   std::normal_distribution<double> normal;
-  const double x = normal(random);
-  const double y = normal(random);
-  return cv::normalize(cv::Vec3d(x, y, normal(random)));
+  kelvane::Quaternion_pose pose;
+  for (double& entry : pose.q) entry = normal(random);
+  for (double& entry : pose.s) entry = 5 * normal(random);
+  return pose_of(pose, kelvane::Pose_frame::world_from_camera);
 }
 
-cv::Vec3d camera_frame_point(const Pose& pose, const double* X) {
-  return pose.R.t() * (cv::Vec3d(X[0], X[1], X[2]) - pose.t);
+Ray random_normal(Generator& random) {
+  const double tilt = uniform(random, 0, most_tilted);
+  const double azimuth = uniform(random, 0, turn);
+  return {std::sin(tilt) * std::cos(azimuth), std::sin(tilt) * std::sin(azimuth), std::cos(tilt)};
 }
 
-void append(const cv::Vec3d& v, std::vector<double>& values) { values.insert(values.end(), v.val, v.val + 3); }
+/// Along a ray of unit depth.
+double random_depth(Cell::Shape shape, const Ray& normal, const Ray& ray, Generator& random) {
+  if (shape == Cell::volume) return uniform(random, near, far);
+  const double height = shape == Cell::flat ? 0 : uniform(random, -0.025, 0.025);
+  return distance * (normal[2] + height) / std::inner_product(ray.begin(), ray.end(), normal.begin(), 0.0);
+}
 
-void add_point(Scene& scene, const Pose& truth, double depth, Generator& random) {
-  std::normal_distribution<double> noise(0, 0.5);
-  const Intrinsics& K = scene.intrinsics;
-  const double u = uniform(random, 0, 2 * K.cx);
-  const double v = uniform(random, 0, 2 * K.cy);
-  const cv::Vec3d p = depth * cv::Vec3d((u - K.cx) / K.f, (v - K.cy) / K.f, 1);
-  append(truth.R * p + truth.t, scene.points);
-  const double seen_u = u + noise(random);
-  const double seen_v = v + noise(random);
-  scene.pixels.insert(scene.pixels.end(), {seen_u, seen_v});
-  append(cv::normalize(cv::Vec3d((seen_u - K.cx) / K.f, (seen_v - K.cy) / K.f, 1)), scene.bearings);
+/// Adds a vector of that length in any direction.
+void move(std::array<double, 3>& values, double length, Generator& random) {
+  std::normal_distribution<double> normal;
+  const Ray v{normal(random), normal(random), normal(random)};
+  for (std::size_t i = 0; i < 3; ++i) values[i] += length * v[i] / std::hypot(v[0], v[1], v[2]);
 }
 
 }  // namespace
 
-Scene random_scene(int num_points, unsigned seed) {
-  constexpr double degree = 3.14159265358979323846 / 180;
-  constexpr double near = 4;
-  constexpr double far = 8;
+Scene::Scene(const Cell& cell, unsigned number) : sigma(cell.sigma) {
+  std::seed_seq seed{unsigned{cell.shape}, static_cast<unsigned>(std::lround(10 * sigma)), cell.num_points,
+                     cell.percent_wrong, number};
   Generator random(seed);
-  const double angle = uniform(random, 0.3, 2);  // away from the special cases of every representation
-  const Pose truth{rotation_matrix(angle * unit_vector(random)), 10 * unit_vector(random)};
-
-  Scene scene;
-  scene.num_points = num_points;
-  for (int i = 0; i < num_points; ++i) add_point(scene, truth, uniform(random, near, far), random);
-  scene.start.R = rotation_matrix(degree * unit_vector(random)) * truth.R;
-  scene.start.t = truth.t + 0.01 * (near + far) / 2 * unit_vector(random);
-  return scene;
+  std::normal_distribution<double> noise(0, sigma);
+  truth = random_pose(random);
+  const Ray normal = random_normal(random);
+  std::vector<bool> is_right(cell.num_points, false);
+  std::fill_n(is_right.begin(), cell.num_right(), true);
+  std::shuffle(is_right.begin(), is_right.end(), random);
+  for (const bool right_one : is_right) {
+    const double u = uniform(random, 0, 2 * cx);
+    const double v = uniform(random, 0, 2 * cy);
+    const Ray ray{(u - cx) / f, (v - cy) / f, 1};
+    const double depth = random_depth(cell.shape, normal, ray, random);
+    const double seen_u = right_one ? u + noise(random) : uniform(random, 0, 2 * cx);
+    const double seen_v = right_one ? v + noise(random) : uniform(random, 0, 2 * cy);
+    for (Matches* matches : {&all, &right}) {
+      if (matches == &right && !right_one) continue;
+      matches->pixels.insert(matches->pixels.end(), {seen_u, seen_v});
+      for (int i = 0; i < 3; ++i) {
+        matches->points.push_back(truth.centre[i] +
+                                  depth * std::inner_product(ray.begin(), ray.end(), truth.rotation[i], 0.0));
+      }
+    }
+  }
+  auto moved = rotation_vector_of(truth, kelvane::Pose_frame::world_from_camera);
+  move(moved.r, turn / 360, random);
+  move(moved.s, 0.01 * distance, random);
+  start = pose_of(moved, kelvane::Pose_frame::world_from_camera);
 }
 
-double pixel_rms(const Scene& scene, const Pose& pose) {
-  const Intrinsics& K = scene.intrinsics;
-  double total = 0;
-  for (std::size_t i = 0; i < scene.points.size() / 3; ++i) {
-    const cv::Vec3d p = camera_frame_point(pose, &scene.points[3 * i]);
-    const double du = K.f * p[0] / p[2] + K.cx - scene.pixels[2 * i];
-    const double dv = K.f * p[1] / p[2] + K.cy - scene.pixels[2 * i + 1];
-    total += du * du + dv * dv;
-  }
-  return std::sqrt(total / scene.num_points);
+kelvane::Refine_result Scene::refined_truth(int max_iterations) const {
+  kelvane::Refine_options options;
+  options.noise_sigma = sigma;
+  options.max_iterations = max_iterations;
+  return refine({truth, right.points, right.pixels, camera()}, options);
 }
 
-double equation_rms(const Scene& scene, int type, const std::vector<double>& x) {
-  const Pose pose = pose_of(type, x);
-  if (type != 10) return pixel_rms(scene, pose);
-  const std::size_t num_points = scene.points.size() / 3;
-  double total = 0;
-  for (std::size_t row = 0; row < 3 * num_points; ++row) {
-    const cv::Vec3d p = camera_frame_point(pose, &scene.points[row - row % 3]);
-    const double target = row < 2 * num_points ? scene.bearings[3 * (row / 2) + row % 2] : 0;
-    const double difference = p[static_cast<int>(row % 3)] - target;
-    total += difference * difference;
+double squared_distance(const Scene& scene, const kelvane::Pose& pose) {
+  constexpr double infinity = std::numeric_limits<double>::infinity();
+  if (scene.right.points.size() < 9) return infinity;
+  const kelvane::Refine_result at_truth = scene.refined_truth(0);
+  const cv::Matx66d covariance(&at_truth.covariance[0][0]);
+  kelvane::Pose turned;  // by what is between the two rotations
+  const cv::Matx33d between = cv::Matx33d(&scene.truth.rotation[0][0]).t() * cv::Matx33d(&pose.rotation[0][0]);
+  std::copy_n(between.val, 9, &turned.rotation[0][0]);
+  const auto angles = rotation_vector_of(turned, kelvane::Pose_frame::world_from_camera).r;
+  cv::Matx<double, 6, 1> error;
+  for (int i = 0; i < 3; ++i) {
+    error(i) = angles[static_cast<std::size_t>(i)];
+    error(i + 3) = pose.centre[i] - scene.truth.centre[i];
   }
-  return std::sqrt(total / scene.num_points);
+  const double squared = error.dot(covariance.solve(error, cv::DECOMP_CHOLESKY));
+  return std::isfinite(covariance(0, 0)) && std::isfinite(squared) ? squared : infinity;
 }
 
 }  // namespace bench

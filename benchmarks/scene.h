@@ -1,39 +1,52 @@
 // SPDX-License-Identifier: BSD-3-Clause
-// The random refinement problems that all competitors are given.
+// The random problems that everyone is given.
 #pragma once
 
 #include <vector>
 
-#include "benchmarks/pose.h"
+#include "pose_refinement/refine.h"
 
 namespace bench {
 
-/// The intrinsics of every scene, in pixels.
-struct Intrinsics {
-  double f = 800;
-  double cx = 320;
-  double cy = 240;
+/// Scenes of one kind. Points lie at any depth between 4 and 8, within 2.5 % of the distance beside a tilted plane, or
+/// on it.
+struct Cell {
+  enum Shape : unsigned { volume, shallow, flat } shape;
+  double sigma;  ///< of the noise, pixels in each coordinate
+  unsigned num_points;
+  unsigned percent_wrong;  ///< observations that are anywhere in the picture
+
+  unsigned num_right() const { return num_points - num_points * percent_wrong / 100; }
 };
 
-/// Points in front of a camera, what it saw of them, and a pose to start from: off by 1 degree, and by 1 % of the
-/// distance to the points.
+/// Points, X, Y, Z of each, and where they were observed, u, v of each.
+struct Matches {
+  std::vector<double> points;
+  std::vector<double> pixels;
+};
+
+/// What a camera saw: the same for the same arguments, whichever other scenes there are.
 struct Scene {
-  int num_points = 0;
-  Intrinsics intrinsics;
-  std::vector<double> points;    // 3 x N, column by column, world
-  std::vector<double> pixels;    // 2 x N, with a noise of 0.5 pixels in each coordinate
-  std::vector<double> bearings;  // 3 x N, unit vectors in the camera frame through these pixels
-  Pose start;
+  static constexpr double f = 600;
+  static constexpr double cx = 320;
+  static constexpr double cy = 240;
+
+  Matches all;
+  Matches right;  ///< of them
+  kelvane::Pose truth;
+  kelvane::Pose start;  ///< off by up to 1 degree, and by 1 % of the points' distance
+  double sigma;
+
+  Scene(const Cell& cell, unsigned number);
+  static kelvane::Camera_model camera() { return kelvane::pixel_camera(f, cx, cy); }
+  std::size_t size() const { return all.points.size() / 3; }
+  kelvane::Refine_problem problem() const { return {start, all.points, all.pixels, camera()}; }
+  /// Of the right observations, from the truth on, with the noise known.
+  kelvane::Refine_result refined_truth(int max_iterations) const;
 };
 
-/// The same scene for the same arguments.
-Scene random_scene(int num_points, unsigned seed);
-
-/// Root mean square distance in the image between the pixels and the points seen from the pose.
-double pixel_rms(const Scene& scene, const Pose& pose);
-
-/// The same for a search vector in the equations of `type`. Those of type 10 compare camera-frame vectors, component by
-/// component, with the target as the module fills it: the first two rows of the bearings, then zeros.
-double equation_rms(const Scene& scene, int type, const std::vector<double>& x);
+/// The squared Mahalanobis distance of the pose from the truth, by the covariance of the right observations there;
+/// infinite where they do not determine a pose.
+double squared_distance(const Scene& scene, const kelvane::Pose& pose);
 
 }  // namespace bench
