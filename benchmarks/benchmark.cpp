@@ -41,9 +41,7 @@ void race_until_still(double seconds) {
       const std::string label =
           (is_huber ? "Huber's loss, every tenth wrong, " : "least squares, ") + std::to_string(N);
       comparison.add(label, points(N, is_huber ? 10 : 0), 1e3, [&](const Scene& scene) {
-        Field field{engine(scene, method), ceres_solver(scene, method)};
-        if (!is_huber) field.push_back(tiny_solver("TinySolver", scene, method));
-        return field;
+        return Field{engine(scene, method), ceres_solver(scene, method), tiny_solver("TinySolver", scene, method)};
       });
     }
   }

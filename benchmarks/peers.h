@@ -26,7 +26,7 @@ Contestant opencv_lm(const Scene& scene);
 Contestant opencv_vvs(const Scene& scene);
 /// ceres::Solve: one dense block, or one for each point with its loss.
 Contestant ceres_solver(const Scene& scene, const Method& method);
-/// ceres::TinySolver, which knows no loss.
+/// ceres::TinySolver, with residuals reweighted by hand where there is a loss.
 Contestant tiny_solver(const std::string& name, const Scene& scene, const Method& method);
 /// The same source compiled with -march=native, in a library that shows nothing else.
 __attribute__((visibility("default"))) Contestant tiny_solver_native(const std::string& name, const Scene& scene,

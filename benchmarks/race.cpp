@@ -103,7 +103,6 @@ void Comparison::add(const std::string& label, const Cell& cell, double work,
     const double spread = 0.5 * (quantile(ratios, 0.75) - quantile(ratios, 0.25));
     rows_.back().push_back(number(quantile(ratios, 0.5)) + " ± " + number(spread, 2));
   }
-  rows_.back().resize(rows_[0].size(), "-");
 }
 
 void Comparison::print(const std::string& title, const std::string& unit, std::ostream& out) const {

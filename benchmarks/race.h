@@ -42,8 +42,7 @@ class Comparison {
  public:
   explicit Comparison(double seconds) : seconds_(seconds) {}
 
-  /// A race in some scenes of a kind, up to 16, in each of which the same take part; times are divided by `work`. Names
-  /// are those of the first row; a later one may lack the last of them.
+  /// A race in some scenes of a kind, up to 16, in each of which the same take part; times are divided by `work`.
   void add(const std::string& label, const Cell& cell, double work, const std::function<Field(const Scene&)>& field_of);
   void print(const std::string& title, const std::string& unit, std::ostream& out) const;
 
