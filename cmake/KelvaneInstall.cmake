@@ -55,9 +55,15 @@ install(FILES "${PROJECT_BINARY_DIR}/kelvaneConfig.cmake" "${PROJECT_BINARY_DIR}
         DESTINATION "${package_folder}" COMPONENT library)
 install(FILES "${PROJECT_SOURCE_DIR}/LICENSE" DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT library)
 
+# For builds without CMake, found from where the file lies.
+file(RELATIVE_PATH prefix "/${CMAKE_INSTALL_LIBDIR}/pkgconfig" "/")
+configure_file(cmake/kelvane.pc.in kelvane.pc @ONLY)
+install(FILES "${PROJECT_BINARY_DIR}/kelvane.pc" DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig" COMPONENT library)
+install(FILES "${PROJECT_BINARY_DIR}/include/kelvane_version.h" DESTINATION "${header_folder}" COMPONENT library)
+
 # The functions for daily use, without those that build the modules and the list of all;
 # kelvane_demo looks for the examples in there.
-set(module_folder "${CMAKE_INSTALL_LIBDIR}/kelvane/octave")
+set(module_folder lib/kelvane/octave)
 foreach(host IN ITEMS octave matlab)
   if(TARGET kelvane_${host})
     install(TARGETS kelvane_mex_${host} kelvane_engine_${host} DESTINATION "${module_folder}" COMPONENT module)
@@ -71,20 +77,3 @@ if(has_module)
           PATTERN "cpp" EXCLUDE PATTERN "octave-workspace" EXCLUDE)
   install(FILES "${PROJECT_SOURCE_DIR}/LICENSE" DESTINATION "${module_folder}" COMPONENT module)
 endif()
-
-# packaging/release makes one Debian package of both.
-set(CPACK_PACKAGE_NAME kelvane)
-set(CPACK_PACKAGE_VENDOR "the kelvane authors")
-set(CPACK_PACKAGE_CONTACT "the kelvane authors")
-set(CPACK_DEBIAN_PACKAGE_MAINTAINER "the kelvane authors <kelvane@localhost>")
-set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "Camera pose refinement for GNU Octave and C++")
-set(CPACK_DEBIAN_PACKAGE_DESCRIPTION
-"Refines the pose of a camera from 3D points and where the camera saw them.
-The functions for Octave lie in /usr/${module_folder}: addpath it, or put
-that line into ~/.octaverc. Headers, static library and CMake package for C++.")
-set(CPACK_DEBIAN_PACKAGE_SECTION math)
-set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
-set(CPACK_DEBIAN_PACKAGE_SUGGESTS "octave (>= 7.3), libopencv-core-dev, octave-parallel, cmake")
-set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
-set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
-include(CPack)

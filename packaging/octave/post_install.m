@@ -3,13 +3,10 @@
 % help would be called in place of its binary, or not be found.
 function post_install(description)
   for name = {'kelvane_mex', 'kelvane_engine'}
-    help_text = fullfile(description.dir, [name{1}, '.m']);
-    for binary = glob(fullfile(description.archprefix, '*', [name{1}, '.mex']))'
-      [done, message] = copyfile(help_text, fileparts(binary{1}));
-      if ~done
-        error('kelvane: %s', message);
-      end
+    binary = glob(fullfile(description.archprefix, '*', [name{1}, '.mex']));
+    [done, message] = movefile(fullfile(description.dir, [name{1}, '.m']), fileparts(binary{1}));
+    if ~done
+      error('kelvane: %s', message);
     end
-    delete(help_text);
   end
 end

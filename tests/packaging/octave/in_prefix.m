@@ -3,12 +3,6 @@
 % as they do when a package is installed for all users.
 function in_prefix()
   work = getenv('KELVANE_WORK');
-  for name = {'prefix', 'architecture'}
-    folder = fullfile(work, name{1});
-    if ~exist(folder, 'dir')
-      mkdir(folder);
-    end
-  end
   pkg('prefix', fullfile(work, 'prefix'), fullfile(work, 'architecture'));
   pkg('local_list', fullfile(work, 'packages'));
   pkg('global_list', fullfile(work, 'no_global_packages'));
