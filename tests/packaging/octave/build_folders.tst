@@ -1,101 +1,68 @@
 % SPDX-License-Identifier: BSD-3-Clause
 % kelvane_build in folders of any name, on a project of the same files with next to nothing in them.
 
-%!function [work, removing] = work_folder()
-%!  work = tempname();
-%!  mkdir(work);
-%!  removing = onCleanup(@() remove(work));
-%!endfunction
-
-%!function remove(work)
-%!  confirm_recursive_rmdir(false, 'local');
-%!  rmdir(work, 's');
-%!endfunction
-
-%!function names = names_in(folder)
-%!  names = setdiff(readdir(folder), {'.', '..'})';
-%!endfunction
-
 %!function write_below(folder, file, text)
 %!  [~, ~] = mkdir(fullfile(folder, fileparts(file)));
 %!  write_text(fullfile(folder, file), text);
 %!endfunction
 
-%!function make_project(folder)  % with one source in each of its folders; its modules return 42 and 43
+% A project in a folder of its own, with one source in each of its folders; its modules return 42 and 43.
+%!function [work, project, removing] = make_project(name)
+%!  work = tempname();
+%!  removing = onCleanup(@() system(sprintf('rm -r "%s"', work)));
+%!  project = fullfile(work, name);
 %!  here = fileparts(which('kelvane_build'));
 %!  [~, calls] = kelvane_build('DryRun', true);
-%!  files = cellfun(@(call) regexprep(call{end}, '^.*/project/', ''), calls(1:end - 2), 'UniformOutput', false);
-%!  [~, one_each] = unique(cellfun(@fileparts, files, 'UniformOutput', false));
-%!  assert(numel(one_each) > 5);
-%!  for file = [files(one_each), {'old_libraries.cpp'}]
-%!    write_below(folder, file{1}, sprintf('int %s;\n', regexprep(file{1}, '[/.]', '_')));
+%!  in_folder = @(call) regexprep(call{end}, '^.*/project/(.*/)?.*', '$1one.cpp');
+%!  for file = unique(cellfun(in_folder, calls(1:end - 2), 'UniformOutput', false))
+%!    write_below(project, file{1}, sprintf('int %s;\n', strrep(file{1}, '/', '_')(1:end - 4)));
 %!  end
 %!  entry = ['#include <mex.h>' "\n" '#include "toy/first.h"' "\n", ...
 %!           'extern "C" __attribute__((visibility("default"))) void mexFunction(int, mxArray* x[], int, ', ...
 %!           'const mxArray**) { x[0] = mxCreateDoubleScalar(%s); }' "\n"];
-%!  write_below(folder, 'kelvane_mex.cpp', sprintf(entry, 'result'));
-%!  write_below(folder, 'kelvane_engine.cpp', sprintf(entry, 'result + 1'));
-%!  write_below(folder, 'toy/first.h', '#include "toy/second.h"');
-%!  write_below(folder, 'toy/second.h', 'constexpr double result = 42;');
+%!  write_below(project, 'kelvane_mex.cpp', sprintf(entry, 'result'));
+%!  write_below(project, 'kelvane_engine.cpp', sprintf(entry, 'result + 1'));
+%!  write_below(project, 'old_libraries.cpp', '');
+%!  write_below(project, 'toy/first.h', '#include "toy/second.h"');
+%!  write_below(project, 'toy/second.h', 'constexpr double result = 42;');
 %!  for file = [{'kelvane.build', 'kelvane.map'}, strcat('matlab/kelvane_', {'build.m', 'mex.m', 'engine.m'}), ...
-%!              strcat('matlab/private/', names_in(fullfile(here, 'private')))]
-%!    write_below(folder, file{1}, fileread(fullfile(here, '..', file{1})));
+%!              strcat('matlab/private/', readdir(fullfile(here, 'private'))(3:end)')]
+%!    write_below(project, file{1}, fileread(fullfile(here, '..', file{1})));
 %!  end
 %!endfunction
 
-%!function said = build_from(project, varargin)  % with its own kelvane_build
-%!  matlab = fullfile(project, 'matlab');
-%!  warning('off', 'Octave:shadowed-function', 'local');
-%!  addpath(matlab);
-%!  restoring = onCleanup(@() rmpath(matlab));
-%!  said = evalc('kelvane_build(varargin{:});');
+%!function [status, said] = build_from(work, temporary, code)  % in a process of its own there
+%!  write_text(fullfile(work, 'go.m'), sprintf(code));
+%!  mkdir(work, temporary);
+%!  [status, said] = system(sprintf('cd "%s" && TMPDIR="$PWD/%s" octave-cli --norc -q go.m 2>&1', work, temporary));
 %!endfunction
 
-%!test  % the project, the folder of the module and that for temporary files may have any name; none is taken for a pattern
-%! [work, removing] = work_folder();
-%! project = fullfile(work, 'o''d k & co; touch ran; $(touch ran) [1]');
-%! make_project(project);
-%! mkdir(work, 'for files');
-%! before = getenv('TMPDIR');
-%! setting = onCleanup(@() setenv('TMPDIR', before));
-%! setenv('TMPDIR', fullfile(work, 'for files'));
+%!test  % project, module and temporary files may lie in folders of any name; where the user is does not matter
+%! [work, project, removing] = make_project('o''d k & co; touch ran; $(touch ran) [1]');
 %! write_below(work, 'm1/kelvane_mex.mex', 'of somebody else');
-%! in_project = names_in(project);
-%! for round = 1:2  % the second one finds a module there
-%!   said = build_from(project, 'Output', fullfile(work, 'm[1]'));
-%!   assert(~isempty(strfind(said, 'linking')));
-%!   assert(names_in(fullfile(work, 'm[1]')), {'kelvane_engine.mex', 'kelvane_mex.mex'});
-%! end
+%! write_below(work, 'toy/second.h', 'constexpr double result = 44;');  % lies where he is
+%! there = sort([readdir(work); {'go.m'; 'm[1]'; 'for files'}]);
+%! in_project = readdir(project);
+%! code = ['for i = 1:2, addpath([''', strrep(project, '''', ''''''), '/matlab'']); kelvane_build(''Output'', ''m[1]''); end\n', ...
+%!         'addpath(''m[1]''); disp([kelvane_mex(), kelvane_engine()])'];
+%! [status, said] = build_from(work, 'for files', code);  % the second one finds a module there
+%! assert(status == 0 && ~isempty(regexp(said, 'linking.*\n *42 +43\s*$', 'once')), '%s', said);
 %! assert(fileread(fullfile(work, 'm1', 'kelvane_mex.mex')), 'of somebody else');
-%! assert(names_in(work), {'for files', 'm1', 'm[1]', project(numel(work) + 2:end)});
-%! assert(names_in(fullfile(work, 'for files')), cell(1, 0));
-%! assert(names_in(project), in_project);
-%! run_it = sprintf('octave-cli --norc -q --path "%s" --eval "disp([kelvane_mex(), kelvane_engine()])"', ...
-%!                  fullfile(work, 'm[1]'));
-%! [status, printed] = system(run_it);
-%! assert(strsplit(strtrim(printed)), {'42', '43'});
+%! assert(sort(readdir(work)), there);
+%! assert(numel(readdir(fullfile(work, 'for files'))), 2);
+%! assert(readdir(project), in_project);
+%! assert(readdir(fullfile(work, 'm[1]'))(3:end)', {'kelvane_engine.mex', 'kelvane_mex.mex'});
 
 %!test  % a source that does not compile: an error, the modules there before stay, and nothing else is left
-%! [work, removing] = work_folder();
-%! project = fullfile(work, 'project');
-%! make_project(project);
-%! write_below(project, 'mex_engine/last.cpp', 'no C++');
+%! [work, project, removing] = make_project('project');
+%! write_below(project, 'mex_engine/one.cpp', 'no C++');
 %! write_below(work, 'out/kelvane_mex.mex', 'the last one');
-%! fail('build_from(project, ''Output'', fullfile(work, ''out''))', 'exited with failure');
+%! [status, said] = build_from(work, 'files', 'addpath project/matlab; kelvane_build(''Output'', ''out'')');
+%! assert(status == 1 && ~isempty(strfind(said, 'exited with failure')), '%s', said);
 %! assert(fileread(fullfile(work, 'out', 'kelvane_mex.mex')), 'the last one');
-%! assert(names_in(fullfile(work, 'out')), {'kelvane_mex.mex'});
-%! assert(any(strcmp(names_in(project), 'kelvane.build')));  % what the folder of the build led to is there
+%! assert(readdir(fullfile(work, 'out'))(3:end)', {'kelvane_mex.mex'});
+%! assert(exist(fullfile(project, 'kelvane.build'), 'file'), 2);  % what the folder of the build led to is there
+%! assert(numel(readdir(fullfile(work, 'files'))), 2);
 
-%!test  % a folder that cannot be had is named before anything is compiled
-%! [work, removing] = work_folder();
-%! write_text(fullfile(work, 'file'), 'mine');
-%! fail('kelvane_build(''Output'', fullfile(work, ''file''))', 'file cannot be made');
-%! fail('kelvane_build(''Output'', ''/proc/self'')', 'The module cannot be written to /proc/');
-
-%!test  % where the user is does not matter: folders of the path that begin there stay, headers that lie there are not taken
-%! [work, removing] = work_folder();
-%! make_project(fullfile(work, 'project'));
-%! write_below(work, 'toy/second.h', 'constexpr double result = 43;');
-%! code = 'kelvane_build(''Output'', ''out'', ''Display'', ''off''); addpath(''out''); disp(kelvane_mex())';
-%! [status, said] = system(sprintf('cd "%s" && octave-cli --norc -q --path project/matlab --eval "%s" 2>&1', work, code));
-%! assert(status == 0 && any(strcmp(strsplit(said, "\n"), '42')) && isempty(strfind(said, 'load')), '%s', said);
+%!error <kelvane.build cannot be made> kelvane_build('Output', fullfile(fileparts(which('kelvane_build')), '../kelvane.build'))
+%!error <The module cannot be written to /proc/> kelvane_build('Output', '/proc/self')
