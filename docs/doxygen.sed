@@ -6,3 +6,4 @@
 s|\(Eqs\{0,1\}\.\) |\1\&nbsp;|g
 s|/// Raises |/// @exception fw::exception_l |
 s|/// Throws \(std::[a-z_]*\) |/// @exception \1 |
+s|(\([a-z_]*/[A-Za-z_]*\.h\))|(%\1)|

@@ -1,10 +1,5 @@
 # SPDX-License-Identifier: BSD-3-Clause
 # All that is published: a release is made once, and the tests beside it take it apart. mex_build runs where KELVANE_LONG is set.
-find_program(Doxygen_PROGRAM doxygen)
-mark_as_advanced(Doxygen_PROGRAM)
-if(Doxygen_PROGRAM)
-  add_test(NAME packaging/api_reference COMMAND sh "${CMAKE_CURRENT_SOURCE_DIR}/packaging/api_reference_test" "${PROJECT_SOURCE_DIR}")
-endif()
 if(TARGET kelvane_mex_octave AND TARGET kelvane::mat_reader AND OctaveCli_PROGRAM AND CMAKE_BUILD_TYPE STREQUAL "Release")
   set(released "${CMAKE_CURRENT_BINARY_DIR}/released")
   foreach(name IN ITEMS release archives cpp_install octave_install mex_build)
