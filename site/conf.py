@@ -1,7 +1,6 @@
 # SPDX-License-Identifier: BSD-3-Clause
 # How Sphinx makes the site from what pages.py has laid out; scripts/site calls both.
 import logging
-import os
 import pathlib
 import re
 
@@ -30,8 +29,7 @@ mathjax_options = {
     "onload": "document.querySelectorAll('.math').forEach((formula) => renderMathInElement(formula, {strict: 'error'}))",
 }
 
-# The C++ reference, from Doxygen's XML. Every page of a header opens its namespace, which Sphinx takes for a second one.
-breathe_projects = {"kelvane": os.environ["KELVANE_XML"]}
+# The C++ reference, from the XML that scripts/site names. Every page of a header opens its namespace, which Sphinx takes for a second one.
 breathe_default_project = "kelvane"
 logging.getLogger("sphinx.sphinx.domains.cpp").addFilter(
     lambda record: not re.search(r"Duplicate C\+\+ declaration.*cpp:type::", record.getMessage(), re.S))
@@ -42,4 +40,3 @@ html_copy_source = False
 html_show_sphinx = False
 html_show_copyright = False
 html_show_search_summary = False  # it fetches pages, which a browser refuses for files
-html_permalinks_icon = "#"

@@ -2,7 +2,6 @@
 # The help of an m-file as a page in Markdown. What is indented below a sentence is a table of rows "name  text", whose text
 # goes on below itself, or a formula or table of more columns, which is shown as it is; all else is an error.
 import re
-from collections import Counter
 
 row_form = re.compile(r"(\S+(?: \S+)*) {2,}(\S.*)")
 section_form = re.compile(r"(Inputs?|Options?|Outputs?|Criteria)\b[:,] *(.*)")
@@ -49,7 +48,7 @@ def rows_of(lines):
     """Rows as (name, text, indented lines below them); sentences between them have no name."""
     base = indent_of(lines[0])
     matches = [row_form.fullmatch(line.strip()) for line in lines if indent_of(line) == base]
-    column = base + Counter(match.start(2) for match in matches if match).most_common(1)[0][0] if any(matches) else 0
+    column = base + min((match.start(2) for match in matches if match), default=0)
     lines, rows = list(lines), []
     while lines:
         line = lines.pop(0)

@@ -34,6 +34,7 @@ documented = sorted(path.relative_to(headers).as_posix() for path in headers.glo
 pages = [path.relative_to(project).as_posix() for path in [
     *project.glob("*.md"), *project.glob("docs/**/*.md"), *project.glob("examples/**/*.md"),
     project / "benchmarks/README.md", project / "packaging/README.md"]]
+gallery = (project / "docs/gallery.md").read_text(encoding="utf-8")
 shown = set()  # the sources that pages link to, of a folder all
 
 
@@ -81,8 +82,9 @@ def function_page(name):
         return f"{word}.md" if word in functions else "../docs/gallery.md" if word.endswith("_demo") else None
 
     extra = [f"## In C++\n\n[{header}](../headers/{header}.md)" for header, names in twins.items() if name in names.split()]
-    if (project / f"docs/images/{name}.png").exists():
-        extra.insert(0, f"![What the example draws](../docs/images/{name}.png)")
+    for title, text in re.findall(r"^## (.*)\n([^#]*matlab/" + name + r"\.m[^#]*)", gallery, re.M)[:1]:
+        picture = re.search(r"!\[.*?\]\(.*?\)", text)[0].replace("images/", "../docs/images/")
+        extra.insert(0, f"## In the gallery\n\n[{title}](../docs/gallery.md)\n\n{picture}")
     try:
         write(f"functions/{name}.md", function_pages.page(functions[name], link, extra))
     except function_pages.Misunderstood as line:
