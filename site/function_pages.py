@@ -113,7 +113,7 @@ def block(function, lines, link):
             raise Misunderstood(text)
         return "## See also\n\n" + ", ".join(name(other, link) for other in others)
     below = taken(lines, is_indented)
-    text = prose(text[section.start(2):] if section else text, link)
+    text = prose(text[section.start(2):][:1].upper() + text[section.start(2) + 1:] if section else text, link)
     return "\n\n".join([*([f"## {section[1]}"] if section else []), text, *([table(below, link)] if below else [])])
 
 
