@@ -1,9 +1,11 @@
 # SPDX-License-Identifier: BSD-3-Clause
 # How Sphinx makes the site from what pages.py has laid out; scripts/site calls both.
+import gc
 import logging
 import pathlib
 import re
 
+gc.set_threshold(500_000)  # a quarter of the time went into looking for garbage
 project = "kelvane"
 version = re.search(r"^version: ([\d.]+)", (pathlib.Path(__file__).parents[1] / "kelvane.build").read_text(), re.M)[1]
 html_title = f"kelvane {version}"
