@@ -100,8 +100,8 @@ def block(function, lines, link):
         return fence(taken(lines, lambda line: function in line), "octave")
     if line.startswith("Example"):
         title = prose(lines.pop(0).partition(":")[2].strip(), link)
-        code = taken(lines, lambda line: not line or is_indented(line) or line == "Output:")
-        return f"## Example\n\n{title}\n\n{fence(code, 'matlabsession' if code[0].strip()[:2] == '>>' else 'octave')}"
+        code = taken(lines, lambda line: not line or is_indented(line))
+        return f"## Example\n\n{title}\n\n{fence(code, 'matlabsession')}"
     if row_form.fullmatch(line):
         head = " " * indent_of(lines[1]) + lines.pop(0)
         return table([head, *taken(lines, is_indented)], link, 1)
