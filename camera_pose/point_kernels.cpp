@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
-// The kernels over points for what every 64-bit x86 has, and the choice among all variants.
+// The kernels over points, two doubles at a time, and the choice among all variants.
 #include "camera_pose/point_kernels.h"
 
 #include "camera_pose/point_kernels_body.h"
@@ -10,10 +10,12 @@ namespace kelvane {
 extern const Point_kernels point_kernels_avx2;
 extern const Point_kernels point_kernels_avx512;
 
-const Point_kernels& point_kernels(Instruction_set set) {
-  return set == Instruction_set::avx512 ? point_kernels_avx512
-         : set == Instruction_set::avx2 ? point_kernels_avx2
-                                        : point_kernels_of_width<2>;
+const Point_kernels& point_kernels([[maybe_unused]] Instruction_set set) {
+#ifdef KELVANE_WIDE_VECTORS
+  if (set == Instruction_set::avx512) return point_kernels_avx512;
+  if (set == Instruction_set::avx2) return point_kernels_avx2;
+#endif
+  return point_kernels_of_width<2>;
 }
 
 }  // namespace kelvane

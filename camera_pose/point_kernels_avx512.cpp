@@ -2,6 +2,8 @@
 // The kernels over points, compiled for AVX-512.
 #include "camera_pose/point_kernels.h"
 
+#ifdef KELVANE_WIDE_VECTORS
+
 // All below is compiled for it, and nothing of it can be seen by other sources. No option of the compiler does this: it
 // would count for what is included above, too.
 #ifdef __clang__
@@ -20,4 +22,6 @@ const Point_kernels point_kernels_avx512 = point_kernels_of_width<8>;
 
 #ifdef __clang__
 #pragma clang attribute pop
+#endif
+
 #endif

@@ -5,15 +5,11 @@
 namespace kelvane {
 
 bool is_available(Instruction_set set) {
-  switch (set) {
-    case Instruction_set::avx512:
-      return __builtin_cpu_supports("avx512f");
-    case Instruction_set::avx2:
-      return __builtin_cpu_supports("avx2");
-    case Instruction_set::sse2:
-      break;
-  }
-  return true;  // part of every 64-bit x86
+#ifdef KELVANE_WIDE_VECTORS
+  if (set == Instruction_set::avx512) return __builtin_cpu_supports("avx512f");
+  if (set == Instruction_set::avx2) return __builtin_cpu_supports("avx2");
+#endif
+  return set == Instruction_set::sse2;
 }
 
 Instruction_set best_instruction_set() {

@@ -4,13 +4,19 @@
 
 #include <cstddef>
 
+// Not on ARM, whose vectors hold two doubles; not on Windows, where GCC keeps wide vectors on a stack that is not
+// aligned for them.
+#if defined __x86_64__ && !defined _WIN32
+#define KELVANE_WIDE_VECTORS
+#endif
+
 namespace kelvane {
 
 inline constexpr std::size_t group_size = 8;  ///< rows next to each other in all data: as many as the widest vector has
 
 /// Each one has a variant of every kernel; all variants give the same bits.
 enum class Instruction_set {
-  sse2,   ///< two doubles at a time; on every 64-bit x86
+  sse2,   ///< two doubles at a time, as every 64-bit x86 or ARM has them
   avx2,   ///< four
   avx512  ///< eight
 };

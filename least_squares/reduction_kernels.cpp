@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
-// The kernels of the reduction for what every 64-bit x86 has, and the choice among all variants.
+// The kernels of the reduction, two doubles at a time, and the choice among all variants.
 #include "least_squares/reduction_kernels.h"
 
 #include "least_squares/reduction_kernels_body.h"
@@ -10,10 +10,12 @@ namespace kelvane {
 extern const Reduction_kernels reduction_kernels_avx2;
 extern const Reduction_kernels reduction_kernels_avx512;
 
-const Reduction_kernels& reduction_kernels(Instruction_set set) {
-  return set == Instruction_set::avx512 ? reduction_kernels_avx512
-         : set == Instruction_set::avx2 ? reduction_kernels_avx2
-                                        : reduction_kernels_of_width<2>;
+const Reduction_kernels& reduction_kernels([[maybe_unused]] Instruction_set set) {
+#ifdef KELVANE_WIDE_VECTORS
+  if (set == Instruction_set::avx512) return reduction_kernels_avx512;
+  if (set == Instruction_set::avx2) return reduction_kernels_avx2;
+#endif
+  return reduction_kernels_of_width<2>;
 }
 
 }  // namespace kelvane

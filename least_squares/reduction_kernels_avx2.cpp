@@ -2,6 +2,8 @@
 // The kernels of the reduction, compiled for AVX2.
 #include "least_squares/reduction_kernels.h"
 
+#ifdef KELVANE_WIDE_VECTORS
+
 // All below is compiled for it, and nothing of it can be seen by other sources. No option of the compiler does this: it
 // would count for what is included above, too.
 #ifdef __clang__
@@ -20,4 +22,6 @@ const Reduction_kernels reduction_kernels_avx2 = reduction_kernels_of_width<4>;
 
 #ifdef __clang__
 #pragma clang attribute pop
+#endif
+
 #endif

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
-// The kernels over points behind a lens for what every 64-bit x86 has, and the choice among all variants.
+// The kernels over points behind a lens, two doubles at a time, and the choice among all variants.
 #include "pose_refinement/lens_kernels.h"
 
 #include "pose_refinement/lens_kernels_body.h"
@@ -10,10 +10,12 @@ namespace kelvane {
 extern const Lens_kernels lens_kernels_avx2;
 extern const Lens_kernels lens_kernels_avx512;
 
-const Lens_kernels& lens_kernels(Instruction_set set) {
-  return set == Instruction_set::avx512 ? lens_kernels_avx512
-         : set == Instruction_set::avx2 ? lens_kernels_avx2
-                                        : lens_kernels_of_width<2>;
+const Lens_kernels& lens_kernels([[maybe_unused]] Instruction_set set) {
+#ifdef KELVANE_WIDE_VECTORS
+  if (set == Instruction_set::avx512) return lens_kernels_avx512;
+  if (set == Instruction_set::avx2) return lens_kernels_avx2;
+#endif
+  return lens_kernels_of_width<2>;
 }
 
 }  // namespace kelvane

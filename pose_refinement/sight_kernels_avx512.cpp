@@ -2,6 +2,8 @@
 // The kernels over residuals, compiled for AVX-512.
 #include "pose_refinement/sight_kernels.h"
 
+#ifdef KELVANE_WIDE_VECTORS
+
 // All below is compiled for it, and nothing of it can be seen by other sources. No option of the compiler does this: it
 // would count for what is included above, too.
 #ifdef __clang__
@@ -20,4 +22,6 @@ const Sight_kernels sight_kernels_avx512 = sight_kernels_of_width<8>;
 
 #ifdef __clang__
 #pragma clang attribute pop
+#endif
+
 #endif

@@ -12,6 +12,8 @@
 
 namespace {
 
+#ifdef KELVANE_WIDE_VECTORS
+
 /// The words behind "flags" in /proc/cpuinfo; none where the system has no such file.
 std::set<std::string> flags_of_processor() {
   std::ifstream file("/proc/cpuinfo");
@@ -31,6 +33,16 @@ TEST(InstructionSet, IsAvailableWhereTheSystemSaysSo) {
   EXPECT_EQ(kelvane::is_available(kelvane::Instruction_set::avx2), flags.count("avx2") == 1);
   EXPECT_EQ(kelvane::is_available(kelvane::Instruction_set::avx512), flags.count("avx512f") == 1);
 }
+
+#else
+
+TEST(InstructionSet, IsTheNarrowestWhereNoOtherIsBuilt) {
+  EXPECT_TRUE(kelvane::is_available(kelvane::Instruction_set::sse2));
+  EXPECT_FALSE(kelvane::is_available(kelvane::Instruction_set::avx2));
+  EXPECT_FALSE(kelvane::is_available(kelvane::Instruction_set::avx512));
+}
+
+#endif
 
 TEST(InstructionSet, BestIsTheWidestThatIsAvailable) {
   kelvane::Instruction_set widest = kelvane::Instruction_set::sse2;
