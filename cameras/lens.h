@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace kelvane {
@@ -33,7 +34,7 @@ struct Lens_model {
 /// All models, COLMAP's first, the general ones last.
 const std::vector<Lens_model>& lens_models();
 /// Throws std::invalid_argument with the nearest name, where there is none of the name.
-const Lens_model& lens_model(const std::string& name);
+const Lens_model& lens_model(std::string_view name);
 /// "fx, fy, cx, cy"
 std::string parameters_in_words(const Lens_model& model);
 

@@ -85,14 +85,14 @@ const std::vector<Lens_model>& lens_models() {
   return models;
 }
 
-const Lens_model& lens_model(const std::string& name) {
+const Lens_model& lens_model(std::string_view name) {
   std::string names;
   for (const Lens_model& model : lens_models()) {
     if (name == model.name) return model;
     names += (names.empty() ? "" : ", ") + std::string(model.name);
   }
   constexpr std::size_t longest = 60;
-  std::string shown = name.size() > longest ? name.substr(0, longest) + "..." : name;
+  std::string shown = std::string(name.substr(0, longest)) + (name.size() > longest ? "..." : "");
   std::replace(shown.begin(), shown.end(), '\0', '?');  // a host would take it for the end of the sentence
   throw Bad_argument("unknownModel", "",
                      "'" + shown + "' is not a camera model." + hint(shown) + " There are " + names + ".");

@@ -39,11 +39,11 @@ constexpr Pose_form forms[] = {
 
 }  // namespace
 
-const Pose_form& pose_form(const std::string& name) {
+const Pose_form& pose_form(std::string_view name) {
   for (const Pose_form& form : forms) {
     if (name == form.name) return form;
   }
-  refuse("poseForm", quoted(name) + " is not a form of a pose.");
+  refuse("poseForm", quoted(std::string(name)) + " is not a form of a pose.");
 }
 
 bool is_struct(const Pose_form& form) { return form.name == std::string("pose"); }

@@ -5,6 +5,7 @@
 #include <mex.h>
 
 #include <string>
+#include <string_view>
 
 #include "pose_refinement/pose.h"
 
@@ -18,7 +19,7 @@ struct Pose_form {
 };
 
 /// Throws Bad_argument, poseForm, where there is none of the name.
-const Pose_form& pose_form(const std::string& name);
+const Pose_form& pose_form(std::string_view name);
 /// Whether it is the struct of kelvane_pose.
 bool is_struct(const Pose_form& form);
 /// The one that class and size leave no doubt about. Throws Bad_argument, noForm, that lists what it may be otherwise.
