@@ -32,9 +32,15 @@ struct Scene {
   std::size_t num_points;
   std::vector<double> points;
 
-  Scene(std::size_t count, std::size_t n_r, Random& random) : num_points(count) {
+  Scene(std::size_t count, std::size_t n_r, Random& random) : Scene(count, n_r, random, random_rotation(random)) {}
+
+  static support::Matrix3<double> random_rotation(Random& random) {
     const std::vector<double> a = support::random_angle_axis(support::Regime::ordinary, random);
-    R = support::rotation_of_angle_axis<double>({a[0], a[1], a[2], a[3]});
+    return support::rotation_of_angle_axis<double>({a[0], a[1], a[2], a[3]});
+  }
+
+  Scene(std::size_t count, std::size_t n_r, Random& random, const support::Matrix3<double>& rotation)
+      : R(rotation), num_points(count) {
     camera.K = {random.uniform(500, 900), random.uniform(200, 400), random.uniform(100, 300)};
     for (std::size_t i = 0; i < 3; ++i) {
       camera.t[i] = projection.t[i] = random.uniform(-1.0, 1.0);
