@@ -1,0 +1,15 @@
+# SPDX-License-Identifier: BSD-3-Clause
+# Says in one line why nothing can be built here, where that is so.
+set(compiler "${CMAKE_CXX_COMPILER_ID} ${CMAKE_CXX_COMPILER_VERSION}")
+if(MSVC OR NOT CMAKE_CXX_COMPILER_ID MATCHES "GNU|Clang")
+  set(need "the vector types of GCC or Clang, which ${compiler} has not")
+elseif(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 12)
+  set(need "GCC 12 or newer, or Clang; this is ${compiler}")
+elseif(NOT CMAKE_SIZEOF_VOID_P EQUAL 8)
+  set(need "a system of 64 bits")
+elseif(CMAKE_CXX_BYTE_ORDER STREQUAL "BIG_ENDIAN")
+  set(need "a processor that stores the low byte of a number first")
+endif()
+if(need)
+  message(FATAL_ERROR "kelvane needs ${need}.")
+endif()
