@@ -2,13 +2,9 @@
 // By the calls of the system, which tell of a full disk.
 #include "model_files/atomic_file.h"
 
-#include <sys/stat.h>
-#include <unistd.h>
-
 #include <algorithm>
 #include <atomic>
 #include <cerrno>
-#include <cstdio>
 #include <utility>
 
 #include "model_files/model_file.h"
@@ -46,12 +42,12 @@ std::string reason_of(int error) {
 
 /// Those of a file that is there, otherwise what the process gives to new ones.
 void keep_permissions(const std::string& target, const Descriptor& part) {
-  const Descriptor old(::open(target.c_str(), O_PATH | O_CLOEXEC));
-  struct stat status {};
-  if (!old.is_open() || ::fstat(old.number(), &status) != 0) return;
+  const Descriptor old(system_calls::open(target, O_PATH | O_CLOEXEC));
+  system_calls::Status status{};
+  if (!old.is_open() || system_calls::fstat(old.number(), &status) != 0) return;
   if (!S_ISREG(status.st_mode)) refuse(target, "it is no ordinary file.");
-  if (::access(target.c_str(), W_OK) != 0) refuse(target, reason_of(EACCES));
-  static_cast<void>(::fchmod(part.number(), status.st_mode & 07777U));  // some file systems have none
+  if (system_calls::access(target, W_OK) != 0) refuse(target, reason_of(EACCES));
+  static_cast<void>(system_calls::fchmod(part.number(), status.st_mode & 07777U));  // some file systems have none
 }
 
 }  // namespace
@@ -63,7 +59,7 @@ Atomic_file::Atomic_file(const std::string& target) : target_(real_path(target))
   buffer_.reserve(size_of_buffer);
   do {
     part_ = path_in(folder_, ".kelvane-" + std::to_string(::getpid()) + "-" + std::to_string(number++));
-    file_ = Descriptor(::open(part_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666));
+    file_ = Descriptor(system_calls::open(part_, O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666));
   } while (!file_.is_open() && errno == EEXIST);
   if (!file_.is_open()) {
     part_.clear();
@@ -72,7 +68,7 @@ Atomic_file::Atomic_file(const std::string& target) : target_(real_path(target))
   try {
     keep_permissions(target_, file_);
   } catch (...) {
-    ::unlink(part_.c_str());
+    remove_part();
     throw;
   }
 }
@@ -87,7 +83,12 @@ Atomic_file::Atomic_file(Atomic_file&& other) noexcept
 }
 
 Atomic_file::~Atomic_file() {
-  if (!part_.empty()) ::unlink(part_.c_str());
+  if (!part_.empty()) remove_part();
+}
+
+void Atomic_file::remove_part() {
+  static_cast<void>(file_.close());  // Windows removes no open file
+  static_cast<void>(system_calls::unlink(part_));
 }
 
 void Atomic_file::fail() const { refuse(target_, reason_of(errno)); }
@@ -104,7 +105,7 @@ void Atomic_file::write(const char* bytes, std::size_t size) {
 
 void Atomic_file::flush() {
   for (std::size_t done = 0; done < buffer_.size();) {
-    const ssize_t count = ::write(file_.number(), buffer_.data() + done, buffer_.size() - done);
+    const auto count = system_calls::write(file_.number(), buffer_.data() + done, buffer_.size() - done);
     if (count < 0 && errno != EINTR) fail();
     if (count > 0) done += static_cast<std::size_t>(count);
   }
@@ -113,16 +114,16 @@ void Atomic_file::flush() {
 
 void Atomic_file::finish() {
   flush();
-  if (::fsync(file_.number()) != 0 && errno != EINVAL) fail();
+  if (system_calls::fsync(file_.number()) != 0 && errno != EINVAL) fail();
   if (!file_.close()) fail();
 }
 
 void Atomic_file::replace_target() {
-  if (std::rename(part_.c_str(), target_.c_str()) != 0) fail();
+  if (system_calls::rename(part_, target_) != 0) fail();
   part_.clear();
   // The new name is on the disk as well; where a folder cannot be opened, in a while.
-  const Descriptor folder(::open(folder_.c_str(), O_RDONLY | O_CLOEXEC));
-  if (folder.is_open()) static_cast<void>(::fsync(folder.number()));
+  const Descriptor folder(system_calls::open(folder_, O_RDONLY | O_CLOEXEC));
+  if (folder.is_open()) static_cast<void>(system_calls::fsync(folder.number()));
 }
 
 void write_whole(const std::string& path, const std::string& text) {

@@ -31,6 +31,7 @@ class Atomic_file {
 
  private:
   void flush();
+  void remove_part();
   [[noreturn]] void fail() const;
 
   std::string target_, folder_, part_;

@@ -5,10 +5,12 @@
 #include <locale.h>
 
 #include <cfloat>
+#include <charconv>
 #include <cmath>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <iterator>
 
 namespace kelvane {
 namespace {
@@ -94,13 +96,30 @@ double quotient(std::uint64_t digits, int n) {
   return std::ldexp(static_cast<double>(whole | (has_rest ? 1U : 0U)), shift_of_power - shift - 62);
 }
 
+#ifdef _WIN32  // its C library has no locales beside the program's, and the C++ library is linked in
+
+double by_library(const Written& written, const char* text, const char* end) {
+  double value = written.num_digits + written.exponent > 0 ? HUGE_VAL : 0.0;  // what is out of range is left alone
+  text += *text == '-' || *text == '+' ? 1 : 0;
+  std::from_chars(text, end, value);
+  return value;
+}
+
+#else
+
 /// Of the language C, whatever the program's. Its decimal point is a point.
 locale_t plain_locale() {
   static const locale_t locale = newlocale(LC_ALL_MASK, "C", nullptr);
   return locale;
 }
 
-double magnitude(const Written& written, const char* text) {
+double by_library(const Written& /*written*/, const char* text, const char* /*end*/) {
+  return std::fabs(strtod_l(text, nullptr, plain_locale()));
+}
+
+#endif
+
+double magnitude(const Written& written, const char* text, const char* end) {
   const int n = -written.exponent;
   if (written.num_digits <= most_digits) {
     if (written.digits == 0) return 0.0;
@@ -110,7 +129,7 @@ double magnitude(const Written& written, const char* text) {
     }
     if (n >= 0 && n <= most_digits) return quotient(written.digits, n);
   }
-  return std::fabs(strtod_l(text, nullptr, plain_locale()));
+  return by_library(written, text, end);
 }
 
 }  // namespace
@@ -119,7 +138,7 @@ Decimal read_decimal(const char* text) {
   Written written;
   const char* const end = read_written(text, written);
   if (end == nullptr) return {Decimal::Kind::malformed, 0.0, text};
-  const double value = magnitude(written, text);
+  const double value = magnitude(written, text, end);
   auto kind = Decimal::Kind::number;
   if (value > DBL_MAX) kind = Decimal::Kind::not_finite;
   if (value < DBL_MIN && written.num_digits > 0) kind = Decimal::Kind::too_small;
@@ -127,11 +146,15 @@ Decimal read_decimal(const char* text) {
 }
 
 std::string text_of_decimal(double value) {
-  const locale_t before = uselocale(plain_locale());
   char digits[32];
+#ifdef _WIN32
+  return {digits, std::to_chars(digits, std::end(digits), value, std::chars_format::general, 17).ptr};
+#else
+  const locale_t before = uselocale(plain_locale());
   const int size = std::snprintf(digits, sizeof digits, "%.17g", value);
   uselocale(before);
   return {digits, static_cast<std::size_t>(size)};
+#endif
 }
 
 }  // namespace kelvane

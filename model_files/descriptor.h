@@ -2,11 +2,10 @@
 // An open file of the system.
 #pragma once
 
-#include <fcntl.h>
-#include <unistd.h>
-
 #include <string>
 #include <utility>
+
+#include "model_files/system_calls.h"
 
 namespace kelvane {
 
@@ -25,7 +24,7 @@ class Descriptor {
 
   /// Does not wait for the other end of a pipe.
   static Descriptor for_reading(const std::string& path) {
-    return Descriptor(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
+    return Descriptor(system_calls::open(path, O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
   }
 
   bool is_open() const { return number_ >= 0; }

@@ -2,9 +2,6 @@
 // Read by the calls of the system: a stream would stop short in silence.
 #include "model_files/model_file.h"
 
-#include <sys/stat.h>
-#include <unistd.h>
-
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
@@ -20,7 +17,7 @@ namespace {
 std::size_t read_some(const Descriptor& file, char* to, std::size_t size, const std::string& path) {
   std::size_t done = 0;
   while (done < size) {
-    const ssize_t count = ::read(file.number(), to + done, size - done);
+    const auto count = system_calls::read(file.number(), to + done, size - done);
     if (count == 0) break;
     if (count > 0) {
       done += static_cast<std::size_t>(count);
@@ -35,8 +32,8 @@ std::size_t read_some(const Descriptor& file, char* to, std::size_t size, const 
 
 Model_file::Model_file(std::string path, Kind kind) : path_(std::move(path)), kind_(kind) {
   const Descriptor file = Descriptor::for_reading(path_);
-  struct stat status {};
-  if (!file.is_open() || ::fstat(file.number(), &status) != 0) {
+  system_calls::Status status{};
+  if (!file.is_open() || system_calls::fstat(file.number(), &status) != 0) {
     throw File_error(shown_path(path_) + " cannot be read: there is no such file, or no leave to open it.");
   }
   if (!S_ISREG(status.st_mode)) throw File_error(shown_path(path_) + " cannot be read: it is no ordinary file.");

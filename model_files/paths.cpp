@@ -2,12 +2,12 @@
 // Texts of bytes, mostly UTF-8.
 #include "model_files/paths.h"
 
-#include <unistd.h>
-
 #include <cerrno>
 #include <cstdlib>
 #include <memory>
 #include <new>
+
+#include "model_files/system_calls.h"
 
 namespace kelvane {
 namespace {
@@ -47,11 +47,11 @@ std::string path_in(const std::string& folder, const std::string& name) {
 
 std::string real_path(const std::string& path) {
   errno = 0;
-  const std::unique_ptr<char, void (*)(void*)> real(::realpath(path.c_str(), nullptr), std::free);
+  const std::unique_ptr<char, void (*)(void*)> real(system_calls::realpath(path), std::free);
   if (!real && errno == ENOMEM) throw std::bad_alloc();
   return real ? real.get() : path;
 }
 
-bool is_there(const std::string& path) { return ::access(path.c_str(), F_OK) == 0; }
+bool is_there(const std::string& path) { return system_calls::access(path, F_OK) == 0; }
 
 }  // namespace kelvane

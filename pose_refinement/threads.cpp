@@ -20,6 +20,15 @@ static void* call_work(void* work) {  // static: a C name is not kept here by th
 }
 }
 
+#ifdef _WIN32
+
+/// Signals come on threads of their own there.
+struct Blocked_signals {
+  Blocked_signals() {}
+};
+
+#else
+
 /// A new thread inherits the signal mask of the thread that starts it.
 class Blocked_signals {
  public:
@@ -40,6 +49,8 @@ class Blocked_signals {
 
   sigset_t before_;
 };
+
+#endif
 
 }  // namespace
 

@@ -2,11 +2,11 @@
 // A folder for the files of a model, gone with the object.
 #pragma once
 
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <map>
+#include <random>
 #include <stdexcept>
 #include <string>
 
@@ -29,9 +29,11 @@ inline void write_bytes(const std::string& path, const std::string& bytes) {
 class Model_folder {
  public:
   Model_folder() {
-    std::string name = (std::filesystem::temp_directory_path() / "kelvane-XXXXXX").string();
-    if (::mkdtemp(name.data()) == nullptr) throw std::runtime_error("no temporary folder");
-    path_ = name;
+    std::random_device random;
+    const std::filesystem::path parent = std::filesystem::temp_directory_path();
+    do {
+      path_ = (parent / ("kelvane-" + std::to_string(random()))).generic_string();
+    } while (!std::filesystem::create_directory(path_));
   }
   /// With these files.
   explicit Model_folder(const Files& files) : Model_folder() {

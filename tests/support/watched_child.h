@@ -3,9 +3,12 @@
 #pragma once
 
 #include <gtest/gtest.h>
+
+#ifndef _WIN32
 #include <sys/mman.h>
 #include <sys/wait.h>
 #include <unistd.h>
+#endif
 
 #include <cstddef>
 #include <cstring>
@@ -14,6 +17,20 @@
 #include <string>
 
 namespace support {
+
+#ifdef _WIN32
+
+struct Shared_note {
+  void write(const std::string& /*text*/) {}
+};
+
+/// In this process, as there is no fork: what hangs is ended by the time limit of ctest.
+inline testing::AssertionResult ends_in_time(const std::function<bool(Shared_note&)>& work) {
+  Shared_note note;
+  return work(note) ? testing::AssertionSuccess() : testing::AssertionFailure() << "ended badly";
+}
+
+#else
 
 /// Text that the child writes and the parent reads, also when the child was killed.
 class Shared_note {
@@ -52,5 +69,7 @@ inline testing::AssertionResult ends_in_time(const std::function<bool(Shared_not
                                               : "exit code " + std::to_string(WEXITSTATUS(status));
   return testing::AssertionFailure() << end << " at " << note.read();
 }
+
+#endif
 
 }  // namespace support
