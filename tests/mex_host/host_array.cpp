@@ -179,10 +179,10 @@ mxArray structure(const std::vector<std::pair<std::string, mxArray>>& fields) {
 
 const mxArray& element(const mxArray& cell, std::size_t index) { return in(cell.elements, index); }
 
-const mxArray& field(const mxArray& structure, const std::string& name, std::size_t index) {
+const mxArray& field(const mxArray& structure, std::string_view name, std::size_t index) {
   const auto& names = structure.field_names;
   const auto number = static_cast<std::size_t>(std::find(names.begin(), names.end(), name) - names.begin());
-  if (number == names.size()) throw std::out_of_range("no field " + name);
+  if (number == names.size()) throw std::out_of_range("no field " + std::string(name));
   return in(structure.elements, index * names.size() + number);
 }
 

@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -58,7 +59,7 @@ mxArray structure(const std::vector<std::pair<std::string, mxArray>>& fields);
 
 /// What lies in a cell, or in a field of one element of a struct; throws std::out_of_range where nothing does.
 const mxArray& element(const mxArray& cell, std::size_t index);
-const mxArray& field(const mxArray& structure, const std::string& name, std::size_t index = 0);
+const mxArray& field(const mxArray& structure, std::string_view name, std::size_t index = 0);
 /// The characters of a text, one row after the other.
 std::string characters(const mxArray& text);
 /// Equal in all that a module can see, to the last bit.
