@@ -21,6 +21,7 @@ if(KELVANE_SANITIZE_THREADS)
   target_compile_options(kelvane_compile_options INTERFACE -fsanitize=thread -fno-omit-frame-pointer)
   target_link_options(kelvane_compile_options INTERFACE -fsanitize=thread)
 endif()
-if(KELVANE_FUZZ)  # counters alone: tracing comparisons, too, would make every other test take two thirds longer
-  target_compile_options(kelvane_compile_options INTERFACE -fsanitize-coverage=inline-8bit-counters,pc-table)
+if(KELVANE_FUZZ)  # counters alone: tracing comparisons, too, would make every test take two thirds longer
+  target_compile_options(kelvane_compile_options INTERFACE
+    $<$<NOT:$<BOOL:$<TARGET_PROPERTY:KELVANE_IS_TEST>>>:-fsanitize-coverage=inline-8bit-counters,pc-table>)
 endif()
