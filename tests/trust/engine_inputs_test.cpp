@@ -27,6 +27,12 @@ bool is_of_problem(const std::string& number, const std::string& path) {
   return path.size() > 9 && path.substr(7, 3) == "{" + number + "}";
 }
 
+/// Made once, as that takes longer than many calls.
+const std::vector<trust::Named_array>& every_kind() {
+  static const std::vector<trust::Named_array> arrays = trust::Kinds_of_arrays().all();
+  return arrays;
+}
+
 class EngineInputs : public testing::TestWithParam<Tested_call> {
  protected:
   EngineInputs() : call_(GetParam()), whole_(call_.run()) {}
@@ -61,7 +67,7 @@ class EngineInputs : public testing::TestWithParam<Tested_call> {
 };
 
 TEST_P(EngineInputs, OfEveryKindEndWellInEveryPlace) {
-  const std::vector<trust::Named_array> arrays = trust::Kinds_of_arrays().all();
+  const std::vector<trust::Named_array>& arrays = every_kind();
   // With instrumentation a part of them at each place, another one at the next.
   const std::size_t stride = arrays.size() / support::count_for_round(arrays.size());
   std::size_t first = 0;
@@ -177,7 +183,7 @@ TEST_P(EngineInputs, AreReadInEveryClassAlike) {
 
 TEST_P(EngineInputs, MayBeOneArrayAtEveryPosition) {
   support::Captured_output output;
-  for (const auto& [name, array] : trust::Kinds_of_arrays().all()) {
+  for (const auto& [name, array] : every_kind()) {
     SCOPED_TRACE(name);
     std::vector<const mxArray*> inputs(call_.inputs.size(), &array);
     EXPECT_TRUE(engine::ends_well(mex_host::call_by_address(inputs, 1, mex_host::Error_call::throws)));

@@ -51,7 +51,7 @@ inline bool is_of_host(Fault fault) { return fault == Fault::host_creating || fa
 inline Observation call_with_fault(const Tested_call& call, mex_host::Error_call error_call, Fault fault, long count,
                                    const Fault_expectation& expected) {
   Observation seen;
-  seen.problem.reserve(static_cast<std::size_t>(too_many));
+  seen.problem.reserve(4096);
   Failing_memory memory(is_of_host(fault) ? none_fails : count,
                         fault == Fault::all_allocations ? Shortage::lasting : Shortage::once);
   {
