@@ -28,40 +28,30 @@ class Block final : public ceres::CostFunction {
   std::size_t num_points_;
 };
 
-class Ceres {
- public:
-  Ceres(const Scene& scene, const Method& method) : start_(parameters_of(scene.start)) {
-    // ceres::HuberLoss bounds the residual of a block. The problem owns what it is given.
-    const std::size_t in_block = method.loss_scale > 0 ? 1 : scene.size();
-    for (std::size_t i = 0; i < scene.size(); i += in_block) {
-      problem_.AddResidualBlock(new Block(scene, i, in_block),
-                                in_block == 1 ? new ceres::HuberLoss(method.loss_scale) : nullptr, x_.data());
-    }
-    options_.linear_solver_type = ceres::DENSE_QR;
-    options_.max_num_iterations = method.max_iterations;
-    options_.num_threads = 1;
-    options_.function_tolerance = options_.gradient_tolerance = 0;
-    options_.parameter_tolerance = method.step_tolerance;
-    options_.logging_type = ceres::SILENT;
-  }
-  void refine() {
-    x_ = start_;
-    ceres::Solver::Summary summary;
-    ceres::Solve(options_, &problem_, &summary);
-  }
-  kelvane::Pose found() const { return pose_of(x_); }
-
- private:
-  Parameters start_;
-  Parameters x_ = {};
-  ceres::Problem problem_;
-  ceres::Solver::Options options_;
-};
-
 }  // namespace
 
 Contestant ceres_solver(const Scene& scene, const Method& method) {
-  return contestant("Ceres", std::make_shared<Ceres>(scene, method));
+  const auto found = std::make_shared<Parameters>();
+  const auto problem = std::make_shared<ceres::Problem>();
+  // ceres::HuberLoss bounds the residual of a block. The problem owns what it is given.
+  const std::size_t in_block = method.loss_scale > 0 ? 1 : scene.size();
+  for (std::size_t i = 0; i < scene.size(); i += in_block) {
+    problem->AddResidualBlock(new Block(scene, i, in_block),
+                              in_block == 1 ? new ceres::HuberLoss(method.loss_scale) : nullptr, found->data());
+  }
+  ceres::Solver::Options options;
+  options.linear_solver_type = ceres::DENSE_QR;
+  options.max_num_iterations = method.max_iterations;
+  options.num_threads = 1;
+  options.function_tolerance = options.gradient_tolerance = 0;
+  options.parameter_tolerance = method.step_tolerance;
+  options.logging_type = ceres::SILENT;
+  const auto refine = [=, start = parameters_of(scene.start)] {
+    *found = start;
+    ceres::Solver::Summary summary;
+    ceres::Solve(options, problem.get(), &summary);
+  };
+  return {"Ceres", refine, [=] { return pose_of(*found); }};
 }
 
 }  // namespace bench

@@ -22,12 +22,6 @@ struct Contestant {
 /// Those that are timed in turn; the first is what the others are measured by.
 using Field = std::vector<Contestant>;
 
-/// A solver with refine() and found(), prepared so that only refine() has to be timed.
-template <typename Solver>
-Contestant contestant(std::string name, std::shared_ptr<Solver> solver) {
-  return {std::move(name), [solver] { solver->refine(); }, [solver] { return solver->found(); }};
-}
-
 /// Markdown, the first row above the line.
 void print_table(const std::vector<std::vector<std::string>>& rows, std::ostream& out);
 /// So many significant digits, and all of those before the point.

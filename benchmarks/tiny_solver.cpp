@@ -44,39 +44,26 @@ class Residuals {
   double loss_scale_;
 };
 
-/// The solver with its storage is made beforehand.
-class Tiny_solver {
- public:
-  Tiny_solver(const Scene& scene, const Method& method)
-      : residuals_(scene, method.loss_scale), start_(parameters_of(scene.start)), x_(start_) {
-    solver_.options.max_num_iterations = method.max_iterations + 1;  // it counts from 1 and stops before the last
-    solver_.options.gradient_tolerance = 0;
-    solver_.options.function_tolerance = 0;
-    solver_.options.cost_threshold = 0;
-    solver_.options.parameter_tolerance = method.step_tolerance;
-  }
-  void refine() {
-    Solver::Parameters x = Eigen::Map<const Solver::Parameters>(start_.data());
-    const auto& summary = solver_.Solve(residuals_, &x);
-    if (solver_.options.parameter_tolerance == 0 && summary.status != Solver::HIT_MAX_ITERATIONS) {
-      throw std::runtime_error("TinySolver stopped early");
-    }
-    std::copy_n(x.data(), 6, x_.begin());
-  }
-  kelvane::Pose found() const { return pose_of(x_); }
-
- private:
-  using Solver = ceres::TinySolver<Residuals>;
-  Residuals residuals_;
-  Solver solver_;
-  Parameters start_, x_;
-};
+using Solver = ceres::TinySolver<Residuals>;
 
 }  // namespace
 
 // The library for this processor is compiled with another name for it.
 Contestant tiny_solver(const std::string& name, const Scene& scene, const Method& method) {
-  return contestant(name, std::make_shared<Tiny_solver>(scene, method));
+  const auto solver = std::make_shared<Solver>();                  // with its storage, made beforehand
+  solver->options.max_num_iterations = method.max_iterations + 1;  // it counts from 1 and stops before the last
+  solver->options.gradient_tolerance = solver->options.function_tolerance = solver->options.cost_threshold = 0;
+  solver->options.parameter_tolerance = method.step_tolerance;
+  const auto found = std::make_shared<Parameters>();
+  const auto refine = [=, residuals = Residuals(scene, method.loss_scale), start = parameters_of(scene.start)] {
+    Solver::Parameters x = Eigen::Map<const Solver::Parameters>(start.data());
+    const auto& summary = solver->Solve(residuals, &x);
+    if (solver->options.parameter_tolerance == 0 && summary.status != Solver::HIT_MAX_ITERATIONS) {
+      throw std::runtime_error("TinySolver stopped early");
+    }
+    std::copy_n(x.data(), 6, found->begin());
+  };
+  return {name, refine, [=] { return pose_of(*found); }};
 }
 
 }  // namespace bench
