@@ -51,7 +51,7 @@ Contestant ceres_solver(const Scene& scene, const Method& method) {
     ceres::Solver::Summary summary;
     ceres::Solve(options, problem.get(), &summary);
   };
-  return {"Ceres", refine, [=] { return pose_of(*found); }};
+  return {"Ceres", refine, [=] { return pose_of(&(*found)[0], &(*found)[3]); }};
 }
 
 }  // namespace bench

@@ -14,11 +14,6 @@ const cv::TermCriteria ten_iterations(cv::TermCriteria::MAX_ITER, 10, 0);
 cv::Mat points_of(const Scene& scene) { return cv::Mat(scene.all.points).reshape(3); }
 cv::Mat pixels_of(const Scene& scene) { return cv::Mat(scene.all.pixels).reshape(2); }
 
-kelvane::Pose pose_of(const cv::Vec3d& r, const cv::Vec3d& s) {
-  return pose_of(kelvane::Rotation_vector_pose{{r[0], r[1], r[2]}, {s[0], s[1], s[2]}},
-                 kelvane::Pose_frame::camera_from_world);
-}
-
 /// The result of a call that fills the two vectors. One that throws has found nothing.
 template <typename Call>
 Estimated estimated(const Scene& scene, const Call& call) {
@@ -26,7 +21,7 @@ Estimated estimated(const Scene& scene, const Call& call) {
   cv::Mat s;
   try {
     if (!call(points_of(scene), pixels_of(scene), r, s)) return {};
-    return {true, {pose_of(cv::Vec3d(r), cv::Vec3d(s))}};
+    return {true, {pose_of(cv::Vec3d(r).val, cv::Vec3d(s).val)}};
   } catch (const cv::Exception&) {
     return {};
   } catch (const std::invalid_argument&) {  // not finite
@@ -58,17 +53,15 @@ Estimated by_usac_params(const Scene& scene) {
 /// By a function that refines the two vectors.
 template <typename Refine>
 Contestant opencv(const char* name, const Scene& scene, const Refine& refine) {
-  const auto start = rotation_vector_of(scene.start, kelvane::Pose_frame::camera_from_world);
-  const cv::Vec3d start_r(start.r.data());
-  const cv::Vec3d start_s(start.s.data());
+  const Parameters start = parameters_of(scene.start);
   const auto r = std::make_shared<cv::Vec3d>();
   const auto s = std::make_shared<cv::Vec3d>();
   const auto call = [=, points = points_of(scene), pixels = pixels_of(scene)] {
-    *r = start_r;
-    *s = start_s;
+    *r = cv::Vec3d(&start[0]);
+    *s = cv::Vec3d(&start[3]);
     refine(points, pixels, camera_matrix, cv::noArray(), *r, *s, ten_iterations);
   };
-  return {name, call, [=] { return pose_of(*r, *s); }};
+  return {name, call, [=] { return pose_of(r->val, s->val); }};
 }
 
 }  // namespace

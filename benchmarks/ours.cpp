@@ -8,20 +8,6 @@
 #include "mex_host.h"
 
 namespace bench {
-namespace {
-
-constexpr auto frame = kelvane::Pose_frame::world_from_camera;
-
-std::vector<double> search_vector(const kelvane::Pose& pose) {
-  const auto [r, t] = rotation_vector_of(pose, frame);
-  return {r[0], r[1], r[2], t[0], t[1], t[2]};
-}
-
-kelvane::Pose pose_of(const std::vector<double>& x) {
-  return pose_of(kelvane::Rotation_vector_pose{{x[0], x[1], x[2]}, {x[3], x[4], x[5]}}, frame);
-}
-
-}  // namespace
 
 decltype(&mexFunction) loaded_module(const std::string& file) {
   void* module = dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL);
@@ -31,12 +17,15 @@ decltype(&mexFunction) loaded_module(const std::string& file) {
 }
 
 Contestant module_call(const std::string& name, decltype(&mexFunction) entry, const Scene& scene) {
-  std::vector<double> camera = search_vector(scene.start);
+  constexpr auto frame = kelvane::Pose_frame::world_from_camera;
+  const Parameters x = parameters_of(scene.start, frame);
+  std::vector<double> camera(x.begin(), x.end());
   camera.insert(camera.end(), {Scene::f, Scene::cx, Scene::cy});
   std::vector<mxArray> inputs{mex_host::row(camera), mex_host::real_matrix(3, scene.size(), scene.all.points),
                               mex_host::real_matrix(2, scene.size(), scene.all.pixels)};
   auto call = std::make_shared<mex_host::Prepared_call>(std::move(inputs));
-  return {name, [=] { (*call)(entry); }, [=] { return pose_of(call->output().values); }};
+  return {name, [=] { (*call)(entry); },
+          [=] { return pose_of(&call->output().values[0], &call->output().values[3], frame); }};
 }
 
 Contestant engine(const Scene& scene, const Method& method) {

@@ -3,25 +3,12 @@
 #pragma once
 
 #include <Eigen/Geometry>
-#include <array>
 #include <cmath>
 #include <cstddef>
 
 #include "benchmarks/scene.h"
 
 namespace bench {
-
-using Parameters = std::array<double, 6>;  ///< rotation vector and translation, world to camera
-
-inline Parameters parameters_of(const kelvane::Pose& pose) {
-  const auto [r, s] = rotation_vector_of(pose, kelvane::Pose_frame::camera_from_world);
-  return {r[0], r[1], r[2], s[0], s[1], s[2]};
-}
-
-inline kelvane::Pose pose_of(const Parameters& x) {
-  return pose_of(kelvane::Rotation_vector_pose{{x[0], x[1], x[2]}, {x[3], x[4], x[5]}},
-                 kelvane::Pose_frame::camera_from_world);
-}
 
 /// Of exp([r + d]x) = exp([L d]x) exp([r]x) to first order in d: Sola, Deray and Atchuthan 2018, Eq. 145.
 inline Eigen::Matrix3d left_jacobian(const Eigen::Vector3d& r) {

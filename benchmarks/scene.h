@@ -2,6 +2,7 @@
 // The random problems that everyone is given.
 #pragma once
 
+#include <array>
 #include <vector>
 
 #include "pose_refinement/refine.h"
@@ -44,6 +45,20 @@ struct Scene {
   /// Of the right observations, from the truth on, with the noise known.
   kelvane::Refine_result refined_truth(int max_iterations) const;
 };
+
+/// A pose as most solvers take it: a rotation vector and a translation.
+using Parameters = std::array<double, 6>;
+
+inline Parameters parameters_of(const kelvane::Pose& pose,
+                                kelvane::Pose_frame frame = kelvane::Pose_frame::camera_from_world) {
+  const auto [r, s] = rotation_vector_of(pose, frame);
+  return {r[0], r[1], r[2], s[0], s[1], s[2]};
+}
+
+inline kelvane::Pose pose_of(const double* r, const double* s,
+                             kelvane::Pose_frame frame = kelvane::Pose_frame::camera_from_world) {
+  return pose_of(kelvane::Rotation_vector_pose{{r[0], r[1], r[2]}, {s[0], s[1], s[2]}}, frame);
+}
 
 /// The squared Mahalanobis distance of the pose from the truth, by the covariance of the right observations there;
 /// infinite where they do not determine a pose.

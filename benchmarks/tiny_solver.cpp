@@ -63,7 +63,7 @@ Contestant tiny_solver(const std::string& name, const Scene& scene, const Method
     }
     std::copy_n(x.data(), 6, found->begin());
   };
-  return {name, refine, [=] { return pose_of(*found); }};
+  return {name, refine, [=] { return pose_of(&(*found)[0], &(*found)[3]); }};
 }
 
 }  // namespace bench
