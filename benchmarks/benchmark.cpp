@@ -5,7 +5,7 @@
 #include <iostream>
 #include <opencv2/core/utility.hpp>
 
-#include "benchmarks/peers.h"
+#include "benchmarks/race.h"
 
 namespace {
 

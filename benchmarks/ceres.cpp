@@ -2,8 +2,8 @@
 // Ceres Solver, whose problem is made beforehand.
 #include <ceres/ceres.h>
 
-#include "benchmarks/peers.h"
 #include "benchmarks/pixel_residuals.h"
+#include "benchmarks/race.h"
 
 namespace bench {
 namespace {

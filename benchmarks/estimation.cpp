@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Counts right poses, and wrong ones that are told as right.
-#include "benchmarks/peers.h"
+#include "benchmarks/race.h"
 
 #include <algorithm>
 #include <limits>

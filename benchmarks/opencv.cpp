@@ -3,7 +3,7 @@
 #include <opencv2/calib3d.hpp>
 #include <stdexcept>
 
-#include "benchmarks/peers.h"
+#include "benchmarks/race.h"
 
 namespace bench {
 namespace {

@@ -4,7 +4,7 @@
 
 #include <stdexcept>
 
-#include "benchmarks/peers.h"
+#include "benchmarks/race.h"
 #include "mex_host.h"
 
 namespace bench {

@@ -4,8 +4,8 @@
 
 #include <stdexcept>
 
-#include "benchmarks/peers.h"
 #include "benchmarks/pixel_residuals.h"
+#include "benchmarks/race.h"
 
 namespace bench {
 namespace {
