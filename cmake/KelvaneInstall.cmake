@@ -3,28 +3,8 @@
 # module: one folder to add to Octave's or MATLAB's path. Nothing installed knows where it was built or lies.
 include(CMakePackageConfigHelpers)
 
-# Of the toolkit and of the framework all headers but these, which no other header includes; of the engine a few.
-set(internal_headers
-  framework/entries_of_matrix.h
-  fw_opt/equation_weights.h
-  fw_opt/linear_taylor_solver_sites.h
-  fw_opt/underdetermined_system.h)
-set(engine_headers
-  camera_pose/rotation_type.h
-  cameras/lens.h
-  contract/argument_contract.h
-  contract/refinement.h
-  model_files/bal_model.h
-  model_files/colmap_model.h
-  model_files/model_file.h
-  model_files/write_poses.h
-  pose_estimation/estimate.h
-  pose_refinement/camera_model.h
-  pose_refinement/pose.h
-  pose_refinement/refine.h
-  rotations/conversion_jacobians.h
-  rotations/conversions.h)
-
+words_of(internal_headers internal_headers)
+words_of(engine_headers headers)
 set(header_folder "${CMAKE_INSTALL_INCLUDEDIR}/kelvane")
 set(package_folder "${CMAKE_INSTALL_LIBDIR}/cmake/kelvane")
 
