@@ -15,10 +15,6 @@ def indent_of(line):
     return len(line) - len(line.lstrip())
 
 
-def is_indented(line):
-    return line[:1] == " "
-
-
 def taken(lines, is_part):
     """The lines at the head that are part of something, taken off, without empty ones at their end."""
     count = next((i for i, line in enumerate(lines) if not is_part(line)), len(lines))
@@ -100,19 +96,19 @@ def block(function, lines, link):
         return fence(taken(lines, lambda line: function in line), "octave")
     if line.startswith("Example"):
         title = prose(lines.pop(0).partition(":")[2].strip(), link)
-        code = taken(lines, lambda line: not line or is_indented(line))
+        code = taken(lines, lambda line: not line or indent_of(line))
         return f"## Example\n\n{title}\n\n{fence(code, 'matlabsession')}"
     if row_form.fullmatch(line):
         head = " " * indent_of(lines[1]) + lines.pop(0)
-        return table([head, *taken(lines, is_indented)], link, 1)
+        return table([head, *taken(lines, indent_of)], link, 1)
     section = section_form.fullmatch(line)
-    text = " ".join(taken(lines, lambda line: line and not is_indented(line)))
+    text = " ".join(taken(lines, lambda line: line and not indent_of(line)))
     if text.startswith("See also "):
         others = re.findall(r"\w+", text[9:])
         if not all(link(other) for other in others if other != "mex"):
             raise Misunderstood(text)
         return "## See also\n\n" + ", ".join(name(other, link) for other in others)
-    below = taken(lines, is_indented)
+    below = taken(lines, indent_of)
     text = prose(text[section.start(2):][:1].upper() + text[section.start(2) + 1:] if section else text, link)
     return "\n\n".join([*([f"## {section[1]}"] if section else []), text, *([table(below, link)] if below else [])])
 
@@ -126,7 +122,8 @@ def page(path, link, extra):
     if not title:
         raise Misunderstood(first)
     shown = [f"# {path.stem}", prose(title[1], link)]
-    while taken(lines, lambda line: not line) or lines:
+    while any(lines):
+        taken(lines, lambda line: not line)
         shown += extra if lines[0].startswith("See also") else []
         shown.append(block(path.stem, lines, link))
     return "\n\n".join(shown) + "\n"
