@@ -3,13 +3,11 @@
 # first table of the report, and estimation.png, right poses by the part of wrong observations, of the table of the page.
 set grid linetype 1 linewidth 0.5 linecolor rgb '#d0d0d0'
 set key outside right center vertical Left reverse samplen 3 spacing 1.3
-set linetype 1 linewidth 3.5 pointtype 7 pointsize 1.3 linecolor rgb '#d55e00'
-set linetype 2 linewidth 1.8 pointtype 5 pointsize 1.0 linecolor rgb '#404040' dashtype 2
-set linetype 3 linewidth 1.8 pointtype 9 pointsize 1.2 linecolor rgb '#0072b2'
-set linetype 4 linewidth 1.8 pointtype 11 pointsize 1.2 linecolor rgb '#009e73'
-set linetype 5 linewidth 1.8 pointtype 13 pointsize 1.2 linecolor rgb '#cc79a7'
-set linetype 6 linewidth 1.8 pointtype 4 pointsize 1.0 linecolor rgb '#e69f00'
-set linetype 7 linewidth 1.8 pointtype 8 pointsize 1.2 linecolor rgb '#56b4e9' dashtype 3
+colours = '#d55e00 #404040 #0072b2 #009e73 #cc79a7 #e69f00 #56b4e9'
+do for [i = 1:7] {
+  set linetype i linewidth (i == 1 ? 3.5 : 1.8) linecolor rgb word(colours, i) dashtype int(word('1 2 1 1 1 1 3', i))
+  set linetype i pointtype int(word('7 5 9 11 13 4 8', i)) pointsize real(word('1.3 1 1.2 1.2 1.2 1 1.2', i))
+}
 
 set terminal pngcairo size 1150,430 font 'FreeSans,12' background 'white'
 set output ARG3.'/estimation.png'
