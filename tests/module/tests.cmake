@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: BSD-3-Clause
 # The built modules and their sources as files, and the scripts that build it.
-foreach(topic IN ITEMS layers install_missing scripts build_preset)
+foreach(topic IN ITEMS layers install_missing scripts functions)
   add_test(NAME "module/${topic}" COMMAND sh "${CMAKE_CURRENT_SOURCE_DIR}/module/${topic}_test" "${PROJECT_SOURCE_DIR}")
 endforeach()
 # Instrumentation brings symbols of its own, and other compilers and settings leave others open.
