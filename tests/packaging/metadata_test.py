@@ -10,6 +10,8 @@ import sys
 import yaml
 from yamllint import config, linter
 
+if not __debug__:
+    sys.exit("metadata_test.py is all assertions, which python3 -O leaves out")
 project, released = map(pathlib.Path, sys.argv[1:3])
 build = dict(re.findall(r"^(\w+): (.*)", (project / "kelvane.build").read_text(), re.M))
 version, home = build["version"], build["home"]
