@@ -62,13 +62,6 @@ alone() {
 # module_folders: those whose sources the modules are made of
 module_folders() { sed -nE 's/^(both|kelvane_[a-z]+): //p' kelvane.build | tr '\n' ' '; }
 
-# renew FILE FOLDER: puts a picture of the pages there in place of an older one
-renew() {
-  cp "$1" build/.new
-  mv build/.new "$2/${1##*/}"
-  echo "$2/${1##*/}"
-}
-
 # build_in FOLDER: makes ready a folder to build in, and empties it where the last one was killed: half-written files look
 # newer than their sources
 build_in() {
