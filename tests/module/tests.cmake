@@ -20,7 +20,9 @@ if(TARGET kelvane_mex_octave AND CMAKE_BUILD_TYPE STREQUAL "Release")
   add_test(NAME module/hosts COMMAND sh "${CMAKE_CURRENT_SOURCE_DIR}/module/hosts_test" "${PROJECT_SOURCE_DIR}" ${modules})
   # A host of its own, which needs no more than the modules.
   add_executable(bare_host module/bare_host.cpp)
-  target_link_libraries(bare_host PRIVATE bare_mex_host kelvane_compile_options ${CMAKE_DL_LIBS})
+  target_include_directories(bare_host PRIVATE "${CMAKE_CURRENT_SOURCE_DIR}")
+  target_compile_definitions(bare_host PRIVATE KELVANE_PROJECT_FOLDER="")
+  target_link_libraries(bare_host PRIVATE bare_mex_host kelvane kelvane_compile_options GTest::gtest ${CMAKE_DL_LIBS})
   set_target_properties(bare_host PROPERTIES ENABLE_EXPORTS ON)
   add_test(NAME module/bare_root
     COMMAND sh "${CMAKE_CURRENT_SOURCE_DIR}/module/bare_root_test" "$<TARGET_FILE:bare_host>" ${modules})
