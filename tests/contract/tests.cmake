@@ -13,8 +13,3 @@ kelvane_add_test(contract/soundness)
 kelvane_add_framework_test(contract/degenerate_steps mex_host)
 kelvane_add_framework_test(contract/framework_agreement)
 kelvane_add_test(contract/vanished_columns)
-# The independent reference takes several times longer than what it is compared with, and a fifth of that when optimised.
-if(KELVANE_SANITIZE)
-  target_compile_options(contract_tests_mex_host PRIVATE -O1)
-  set_target_properties(contract_tests_mex_host PROPERTIES DISABLE_PRECOMPILE_HEADERS ON)
-endif()
