@@ -17,7 +17,7 @@ namespace kelvane::mex_engine {
 inline constexpr Words words{1, "StepTolerance", "FunctionTolerance", "MaxIterations", "LossScale", "OutputFcn"};
 
 /// What a struct of options says, with empty texts and null for what it leaves open.
-struct Given_options {
+struct Given_options {  // NOLINT(bugprone-exception-escape): moving its texts throws nothing
   Refine_options refine;
   Estimate_options estimate;  ///< but for max_error, which depends on the camera
   double max_pixels = 0, max_angle = 0;
