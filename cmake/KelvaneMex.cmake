@@ -1,11 +1,10 @@
 # SPDX-License-Identifier: BSD-3-Clause
-# kelvane_add_modules(host SUFFIX .mex INCLUDES dir... [LIBRARIES library...])
+# kelvane_add_modules(host suffix includes [library...])
 #
-# Builds kelvane_mex<SUFFIX> and kelvane_engine<SUFFIX> in the top of the build folder, each with its help text beside it:
+# Builds kelvane_mex<suffix> and kelvane_engine<suffix> in the top of the build folder, each with its help text beside it:
 # targets kelvane_mex_<host>, kelvane_engine_<host>, and kelvane_<host> for both. The host's functions are left open for the
 # host to resolve, and mexFunction is all that can be seen from outside.
-function(kelvane_add_modules host)
-  cmake_parse_arguments(PARSE_ARGV 1 arg "" "SUFFIX" "INCLUDES;LIBRARIES")
+function(kelvane_add_modules host suffix includes)
   # By its name alone: in the path of a folder CMake would double a dollar sign.
   set(exports kelvane.map)
   configure_file("${PROJECT_SOURCE_DIR}/${exports}" ${exports} COPYONLY)
@@ -17,11 +16,11 @@ function(kelvane_add_modules host)
     set(target ${module}_${host})
     add_library(${target} MODULE ${module}.cpp old_libraries.cpp ${sources_of_${module}})
     set_target_properties(${target} PROPERTIES
-      OUTPUT_NAME ${module} PREFIX "" SUFFIX "${arg_SUFFIX}"
+      OUTPUT_NAME ${module} PREFIX "" SUFFIX "${suffix}"
       LIBRARY_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}"
       LINK_DEPENDS "${CMAKE_CURRENT_BINARY_DIR}/${exports}")
-    target_include_directories(${target} SYSTEM PRIVATE ${arg_INCLUDES})
-    target_link_libraries(${target} PRIVATE kelvane kelvane_compile_options ${arg_LIBRARIES})
+    target_include_directories(${target} SYSTEM PRIVATE ${includes})
+    target_link_libraries(${target} PRIVATE kelvane kelvane_compile_options ${ARGN})
     target_link_options(${target} PRIVATE "LINKER:--version-script=${exports}")
     add_dependencies(kelvane_${host} ${target})
   endforeach()

@@ -87,7 +87,7 @@ def function_page(name):
         extra.insert(0, f"## In the gallery\n\n[{title}](../docs/gallery.md)\n\n{picture}")
     try:
         write(f"functions/{name}.md", function_pages.page(functions[name], link, extra))
-    except function_pages.Misunderstood as line:
+    except ValueError as line:
         sys.exit(f"{functions[name]}: neither a sentence nor a row of a table: {line}")
 
 

@@ -156,11 +156,10 @@ function x = by_lsqnonlin(p)
 end
 
 % A scene for another type of kelvane_mex.
-function p = of_type(p, type)
-  form = {'axis_angle', 'rotation_vector', 'quaternion_xyzw', 'rotation_vector', 'axis_angle', 'quaternion_xyzw', ...
-          'quaternion_xyzw'}{min(type, 3 * (type < 10)) + 4};  % of types -3 to 3, and of 10 as of 0
-  p.camera = [kelvane_pose(p.start, form, 'world_from_camera'), p.intrinsics];
-  if type == 10
+function p = of_type(p, number)
+  type = kelvane_types(number);
+  p.camera = [kelvane_pose(p.start, type.representation, 'world_from_camera'), p.intrinsics];
+  if type.bearing
     p.observations = kelvane_undistort(p.observations, p.intrinsics, 'directions');
     p.camera(end - 2:end) = [1, 0, 0];
   end
