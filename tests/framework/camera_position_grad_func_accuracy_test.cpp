@@ -6,6 +6,7 @@
 #include <cmath>
 
 #include "framework/jacobian_classes.h"
+#include "support/long_round.h"
 #include "support/matchers.h"
 #include "support/tolerance.h"
 
@@ -70,7 +71,7 @@ class CameraPositionGradFuncAccuracy : public testing::Test {
 TYPED_TEST_SUITE(CameraPositionGradFuncAccuracy, jacobian_classes::All, jacobian_classes::Names);
 
 TYPED_TEST(CameraPositionGradFuncAccuracy, AgreesWithDualNumbersInEveryRegime) {
-  for (std::uint64_t number = 0; number < 4000; ++number) {
+  for (std::uint64_t number = 0; number < support::count_for_round(4000); ++number) {
     Case which(seed, number);
     SCOPED_TRACE(which);
     this->expect_agreement(jacobian_classes::random_scene<TypeParam>(which));
@@ -83,7 +84,7 @@ class RedundantCameraPositionGradFuncAccuracy : public CameraPositionGradFuncAcc
 TYPED_TEST_SUITE(RedundantCameraPositionGradFuncAccuracy, jacobian_classes::Redundant, jacobian_classes::Names);
 
 TYPED_TEST(RedundantCameraPositionGradFuncAccuracy, IsTheSameForEntriesOfAnyLength) {
-  for (std::uint64_t number = 0; number < 2000; ++number) {
+  for (std::uint64_t number = 0; number < support::count_for_round(2000); ++number) {
     Case which(seed + 1, number);
     SCOPED_TRACE(which);
     const auto unit = TypeParam::rotation(support::random_angle_axis(which.regime, which.random));

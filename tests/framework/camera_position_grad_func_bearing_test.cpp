@@ -9,6 +9,7 @@
 
 #include "framework/jacobian_classes.h"
 #include "support/cases.h"
+#include "support/long_round.h"
 #include "support/matchers.h"
 #include "support/small_matrices.h"
 #include "support/tolerance.h"
@@ -111,7 +112,7 @@ using All = testing::Types<Aau_bv, Aan_bv, Qu_bv>;
 TYPED_TEST_SUITE(CameraPositionGradFuncBearing, All, Names);
 
 TYPED_TEST(CameraPositionGradFuncBearing, AgreesWithDualNumbersInEveryRegimeAndAtEveryLength) {
-  for (std::uint64_t number = 0; number < 4000; ++number) {
+  for (std::uint64_t number = 0; number < support::count_for_round(4000); ++number) {
     Case which(seed, number);
     SCOPED_TRACE(which);
     const auto unit = TypeParam::rotation(support::random_angle_axis(which.regime, which.random));

@@ -8,6 +8,7 @@
 
 #include "framework/hybrid_classes.h"
 #include "support/cases.h"
+#include "support/long_round.h"
 #include "support/matchers.h"
 #include "support/small_matrices.h"
 #include "support/tolerance.h"
@@ -79,7 +80,7 @@ TYPED_TEST(CameraPositionGradFuncHybrid, WritesNothingWithoutPoints) {
 }
 
 TYPED_TEST(CameraPositionGradFuncHybrid, HasTheBitsOfTheFirstClassInBlock1) {
-  for (std::uint64_t number = 0; number < 1000; ++number) {
+  for (std::uint64_t number = 0; number < support::count_for_round(1000); ++number) {
     Case which(seed, number);
     const Scene scene = this->random_scene(which, false);
     const cv::Mat J = block(hybrid_classes::jacobian<TypeParam>(scene), 1);
@@ -91,8 +92,8 @@ TYPED_TEST(CameraPositionGradFuncHybrid, HasTheBitsOfTheFirstClassInBlock1) {
 }
 
 TYPED_TEST(CameraPositionGradFuncHybrid, FollowsTheChainRuleInBlocks2And3) {
-  int num_compared = 0;
-  for (std::uint64_t number = 0; number < 4000; ++number) {
+  std::uint64_t num_compared = 0;
+  for (std::uint64_t number = 0; number < support::count_for_round(4000); ++number) {
     Case which(seed, number);
     SCOPED_TRACE(which);
     const bool is_unit = number / support::all_regimes.size() % 2 == 0;
@@ -111,7 +112,7 @@ TYPED_TEST(CameraPositionGradFuncHybrid, FollowsTheChainRuleInBlocks2And3) {
     if (this->HasFailure()) break;
     ++num_compared;
   }
-  EXPECT_GE(num_compared, 1000);  // the others are tested as degenerate rotations
+  EXPECT_GE(num_compared, support::count_for_round(1000));  // the others are tested as degenerate rotations
 }
 
 TYPED_TEST(CameraPositionGradFuncHybrid, HasTheTranslationColumnsOfTheOtherClassesToTheLastBit) {

@@ -11,6 +11,7 @@
 #include <limits>
 #include <random>
 
+#include "support/long_round.h"
 #include "support/model_folder.h"
 
 namespace {
@@ -53,7 +54,7 @@ class Random {
 
 TEST(ReadDecimal, AgreesWithTheLibraryOnRandomTexts) {
   Random random;
-  for (int i = 0; i < 1000000; ++i) {
+  for (std::uint64_t i = 0; i < support::count_for_round(1000000); ++i) {
     std::string text = random.up_to(2) == 0 ? "-" : "";
     text += random.digits(1 + random.up_to(9)) + "." + random.digits(random.up_to(18));
     if (random.up_to(4) == 0) text += "e" + std::to_string(random.up_to(60) - 30);
@@ -65,7 +66,7 @@ TEST(ReadDecimal, AgreesWithTheLibraryOnRandomTexts) {
 
 TEST(ReadDecimal, ReadsWhatIsWrittenToTheSameBits) {
   Random random;
-  for (int i = 0; i < 1000000; ++i) {
+  for (std::uint64_t i = 0; i < support::count_for_round(1000000); ++i) {
     std::uint64_t bits = random.bits();
     if (i % 2 == 0) bits = (bits & 0x800FFFFFFFFFFFFFULL) | (1023ULL - 30 + static_cast<unsigned>(i) % 60) << 52U;
     double value = 0.0;

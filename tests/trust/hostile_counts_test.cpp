@@ -8,6 +8,7 @@
 
 #include "mex_host.h"
 #include "support/captured_output.h"
+#include "support/long_round.h"
 #include "trust/good_call.h"
 #include "trust/outcome.h"
 
@@ -58,7 +59,7 @@ TEST(HostileCounts, AMillionPointsAreRefined) {
   support::Captured_output output;
   for (const int type : {0, 10, -1}) {  // pixels, bearing vectors, every equation three times
     SCOPED_TRACE("type " + std::to_string(type));
-    const Result result = mex_host::call(good_inputs(type, million, type != 10));
+    const Result result = mex_host::call(good_inputs(type, support::count_for_round(million), type != 10));
     EXPECT_TRUE(ends_well(result));
     EXPECT_TRUE(is_pose(result));
   }

@@ -13,6 +13,7 @@
 
 #include "contract/refinement.h"
 #include "mex_host.h"
+#include "support/long_round.h"
 #include "support/long_run.h"
 #include "trust/failing_memory.h"
 #include "trust/good_call.h"
@@ -63,7 +64,7 @@ INSTANTIATE_TEST_SUITE_P(Hosts, FlatMemory, testing::ValuesIn(trust::all_error_c
                          [](const auto& host) { return trust::name_of(host.param); });
 
 constexpr std::size_t few_points = 100;
-constexpr std::size_t many_points = 100000;
+const std::size_t many_points = support::count_for_round(100000);
 
 struct Demand {
   long num_allocations;
