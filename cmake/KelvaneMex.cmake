@@ -5,9 +5,8 @@
 # targets kelvane_mex_<host>, kelvane_engine_<host>, and kelvane_<host> for both. The host's functions are left open for the
 # host to resolve, and mexFunction is all that can be seen from outside.
 function(kelvane_add_modules host suffix includes)
-  # By its name alone: in the path of a folder CMake would double a dollar sign.
-  set(exports kelvane.map)
-  configure_file("${PROJECT_SOURCE_DIR}/${exports}" ${exports} COPYONLY)
+  # A copy, to name it without a path: in that of a folder CMake would double a dollar sign.
+  configure_file("${PROJECT_SOURCE_DIR}/kelvane.map" kelvane.map COPYONLY)
   add_custom_target(kelvane_${host})
   set(sources_of_kelvane_mex "")
   sources_of(sources_of_kelvane_engine ${host_folders})
@@ -18,10 +17,10 @@ function(kelvane_add_modules host suffix includes)
     set_target_properties(${target} PROPERTIES
       OUTPUT_NAME ${module} PREFIX "" SUFFIX "${suffix}"
       LIBRARY_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}"
-      LINK_DEPENDS "${CMAKE_CURRENT_BINARY_DIR}/${exports}")
+      LINK_DEPENDS "${CMAKE_CURRENT_BINARY_DIR}/kelvane.map")
     target_include_directories(${target} SYSTEM PRIVATE ${includes})
     target_link_libraries(${target} PRIVATE kelvane kelvane_compile_options ${ARGN})
-    target_link_options(${target} PRIVATE "LINKER:--version-script=${exports}")
+    target_link_options(${target} PRIVATE "LINKER:--version-script=kelvane.map")
     add_dependencies(kelvane_${host} ${target})
   endforeach()
 endfunction()

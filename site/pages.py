@@ -11,7 +11,7 @@ import function_pages
 
 project, headers, site = map(pathlib.Path, sys.argv[1:])
 contents = {
-    "Use": "getting_started functions/index gallery refinement estimation rotation_types conventions cameras reports matlab",
+    "Use": "getting_started functions/index gallery refinement estimation rotation_types conventions cameras reports matlab from_v0.1",
     "Use in C++": "cpp headers/index",
     "Judge": "performance benchmarks/README trust compatibility SECURITY",
     "Understand": "architecture notation derivations numerics decisions/README",
@@ -123,8 +123,6 @@ index("functions", "Functions", [re.sub(r"^(\w+) +- (.*)", r"- [`\1`](\1.md): \2
                                  for line in listed], functions)
 index("headers", "C++ headers", [f"- [{name}]({name}.md): {(headers / name).read_text().split('///')[2].strip()}"
                                  for name in documented], documented)
-named = ["index", *" ".join(contents.values()).split()]
-contents["Use"] += "".join(f" {page[5:-3]}" for page in pages if re.fullmatch("docs/[^/]*", page) and page[5:-3] not in named)
 for page in pages:
     text = with_links((project / page).read_text(encoding="utf-8"), page)
     if page == "docs/index.md":
