@@ -65,7 +65,8 @@ function handles = kelvane_plot(varargin)
   all_fields = {'axes', 'observed', 'predicted', 'residuals', 'outliers', 'rms', 'points', 'start', 'camera', 'ellipsoid'};
   for k = numel(kinds):-1:1
     if numel(kinds) > 1
-      target = subplot(2, 2, k);
+      target = subplot(2, 2, k);  % with room for a legend and the title below it
+      set(target, 'position', get(target, 'position') + [0, 0.04 * (k < 3), 0, -0.04]);
     elseif isempty(target)
       target = gca();
     end
@@ -123,7 +124,7 @@ end
 function drawn = draw_in(target, info, kind, is_one_of_four)
   target = newplot(target);
   if is_one_of_four
-    set(target, 'fontsize', 7);  % they share the place of one
+    set(target, 'fontsize', 7 - 2 * is_gnuplot(target));  % they share the place of one, and gnuplot's print doubles it
   end
   was_held = ishold(target);
   hold(target, 'on');

@@ -85,6 +85,8 @@ def function_page(name):
     for title, text in re.findall(r"^## (.*)\n([^#]*matlab/" + name + r"\.m[^#]*)", gallery, re.M)[:1]:
         picture = re.search(r"!\[.*?\]\(.*?\)", text)[0].replace("images/", "../docs/images/")
         extra.insert(0, f"## In the gallery\n\n[{title}](../docs/gallery.md)\n\n{picture}")
+    if (project / f"docs/images/{name}.png").exists():
+        extra.insert(0, f"![What the example draws](../docs/images/{name}.png)")
     try:
         write(f"functions/{name}.md", function_pages.page(functions[name], link, extra))
     except ValueError as line:
