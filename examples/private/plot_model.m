@@ -34,19 +34,21 @@ function draw_scene(target, problems, after)
   plot3(target, points(1, :), points(2, :), points(3, :), '.', 'color', [0.6, 0.6, 0.6], 'markersize', 3);
   hold(target, 'on');
   sight = mean(sqrt(sum(([after.centre] - mean(points, 2)).^2, 1))) / 4;
-  draw_cameras(target, before, sight, [0.84, 0.37, 0]);
-  draw_cameras(target, after, sight, [0, 0.45, 0.70]);
+  drawn = draw_cameras(target, before, sight, [0.84, 0.37, 0]);
+  drawn(2) = draw_cameras(target, after, sight, [0, 0.45, 0.70]);
   show_cube(target, [points, [before.centre], [after.centre]]);
-  title(target, sprintf('%d cameras, before (orange) and after (blue)', numel(after)));
+  title(target, sprintf('%d cameras around the points', numel(after)));
+  legend(target, drawn, {'before', 'after'}, 'location', 'southoutside', 'orientation', 'horizontal', 'box', 'off', ...
+         'fontsize', 0.9 * get(target, 'fontsize'));
 end
 
-% A line from each centre along the optical axis.
-function draw_cameras(target, poses, sight, color)
+% A line from each centre along the optical axis. Returns the last centre's handle.
+function drawn = draw_cameras(target, poses, sight, color)
   for k = 1:numel(poses)
     c = poses(k).centre;
     ahead = c + sight * poses(k).rotation(:, 3);
     plot3(target, [c(1), ahead(1)], [c(2), ahead(2)], [c(3), ahead(3)], '-', 'color', color);
-    plot3(target, c(1), c(2), c(3), 'o', 'color', color, 'markersize', 4);
+    drawn = plot3(target, c(1), c(2), c(3), 'o', 'color', color, 'markersize', 4);
   end
 end
 
