@@ -11,8 +11,9 @@ list(REMOVE_DUPLICATES all_sources)
 list(FILTER all_sources EXCLUDE REGEX "_avx[0-9]+[.]cpp$")  # the same text as their SSE2 variant
 list(TRANSFORM all_sources REPLACE "(.+)" "#include \"\\1\"\n")
 string(JOIN "" text "// Generated.\n" ${all_sources})
-# Each module has its own.
-string(REPLACE "#include \"kelvane_engine.cpp\"" "#define mexFunction function_of_engine  // NOLINT\n#include \"kelvane_engine.cpp\"" text "${text}")
+# Both modules define mexFunction: here the second one gets another name.
+set(engine "#include \"kelvane_engine.cpp\"")
+string(REPLACE "${engine}" "#define mexFunction function_of_engine  // NOLINT\n${engine}" text "${text}")
 file(CONFIGURE OUTPUT "${PROJECT_BINARY_DIR}/all_in_one.cpp" CONTENT "${text}" @ONLY)
 add_library(kelvane_all_in_one OBJECT EXCLUDE_FROM_ALL "${PROJECT_BINARY_DIR}/all_in_one.cpp")
 target_include_directories(kelvane_all_in_one SYSTEM PRIVATE "${Mkoctfile_INCLUDE_DIR}")

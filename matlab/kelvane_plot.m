@@ -66,7 +66,7 @@ function handles = kelvane_plot(varargin)
   for k = numel(kinds):-1:1
     if numel(kinds) > 1
       target = subplot(2, 2, k);  % with room for a legend and the title below it
-      set(target, 'position', get(target, 'position') + [0, 0.04 * (k < 3), 0, -0.04]);
+      set(target, 'position', [0.13 + 0.448 * (k == 2 || k == 4), 0.11 + 0.51 * (k < 3), 0.327, 0.303]);
     elseif isempty(target)
       target = gca();
     end

@@ -7,6 +7,10 @@ row_form = re.compile(r"(\S+(?: \S+)*) {2,}(\S.*)")
 section_form = re.compile(r"(Inputs?|Options?|Outputs?|Criteria)\b[:,] *(.*)")
 
 
+class Misunderstood(Exception):
+    """A line of help that is neither text nor a row of a table."""
+
+
 def indent_of(line):
     return len(line) - len(line.lstrip())
 
@@ -46,7 +50,7 @@ def rows_of(lines):
         line = lines.pop(0)
         match = row_form.fullmatch(line.strip())
         if indent_of(line) != base:
-            raise ValueError(line)
+            raise Misunderstood(line)
         if match:
             places = {column, base + match.start(2)}
             text = [match[2], *taken(lines, lambda line: indent_of(line) in places)]
@@ -61,7 +65,7 @@ def cells(title, text, below, link):
     """A row of a table, and one for each field where it is a struct; the values of an option are a list in it."""
     inner = rows_of(below) if below else []
     if not all(row[0] for row in inner):
-        raise ValueError(below[0])
+        raise Misunderstood(below[0])
     values = [f"    - `{value}`: {prose(meaning, link)}" for value, meaning, _ in inner if value[0] == "'"]
     rows = ["\n".join([f"* - `{title}`", f"  - {prose(text, link)}", *([""] if values else []), *values])]
     for field, meaning, deeper in inner:
@@ -102,7 +106,7 @@ def block(function, lines, link):
     if text.startswith("See also "):
         others = re.findall(r"\w+", text[9:])
         if not all(link(other) for other in others if other != "mex"):
-            raise ValueError(text)
+            raise Misunderstood(text)
         return "## See also\n\n" + ", ".join(name(other, link) for other in others)
     below = taken(lines, indent_of)
     text = prose(text[section.start(2):][:1].upper() + text[section.start(2) + 1:] if section else text, link)
@@ -116,7 +120,7 @@ def page(path, link, extra):
     lines = [line[3:] for line in lines]
     title = re.fullmatch(rf" {path.stem.upper()}  (.*\.)", first)
     if not title:
-        raise ValueError(first)
+        raise Misunderstood(first)
     shown = [f"# {path.stem}", prose(title[1], link)]
     while any(lines):
         taken(lines, lambda line: not line)

@@ -89,7 +89,7 @@ def function_page(name):
         extra.insert(0, f"![What the example draws](../docs/images/{name}.png)")
     try:
         write(f"functions/{name}.md", function_pages.page(functions[name], link, extra))
-    except ValueError as line:
+    except function_pages.Misunderstood as line:
         sys.exit(f"{functions[name]}: neither a sentence nor a row of a table: {line}")
 
 

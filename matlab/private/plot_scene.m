@@ -65,7 +65,8 @@ function name_axis(target, k, name, sides)
   if k < 3 && is_gnuplot(target)
     at = sides(:, 1);
     at(k) = mean(sides(k, :));
-    at(3 - k) = at(3 - k) - 0.25 * (sides(1, 2) - sides(1, 1));
+    place = get(target, 'position');
+    at(3 - k) = at(3 - k) - (0.18 + 0.06 / place(4)) * (sides(1, 2) - sides(1, 1));  % small axes have large letters
     alignments = {'left', 'right'};
     text(at(1), at(2), at(3), name, 'parent', target, 'horizontalalignment', alignments{k}, ...
          'fontsize', get(target, 'fontsize'));

@@ -102,7 +102,7 @@ TEST(EngineCounts, TooFewPointsAreTheErrorOfTheirRow) {
   }
 }
 
-TEST(EngineCounts, AMillionPointsAreRefined) {
+TEST(EngineCounts, ManyPointsAreRefined) {
   support::Captured_output output;
   const Result result =
       mex_host::call(engine::refine_inputs({engine::good_problem(0, support::count_for_round(1000000))}));

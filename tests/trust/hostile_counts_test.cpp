@@ -55,7 +55,7 @@ TEST(HostileCounts, TooFewPointsAreReported) {
   EXPECT_EQ(output.text(), "");
 }
 
-TEST(HostileCounts, AMillionPointsAreRefined) {
+TEST(HostileCounts, ManyPointsAreRefined) {
   support::Captured_output output;
   for (const int type : {0, 10, -1}) {  // pixels, bearing vectors, every equation three times
     SCOPED_TRACE("type " + std::to_string(type));
