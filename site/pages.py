@@ -93,6 +93,12 @@ def function_page(name):
         sys.exit(f"{functions[name]}: neither a sentence nor a row of a table: {line}")
 
 
+def head_of(header):
+    """What a header says of itself, on one line."""
+    lines = re.match(r"/// @file\n((?:/// .+\n)+)", header.read_text(encoding="utf-8"))[1]
+    return lines.replace("\n/// ", " ")[4:].strip()
+
+
 def header_page(name):
     same = ", ".join(f"[`{word}`](../../functions/{word}.md)" for word in twins.get(name, "").split())
     label = pathlib.Path(name).stem.replace("_", "__") + "_8h"  # Doxygen's own, to which its comments link
@@ -123,8 +129,7 @@ for name in documented:
 listed = re.findall(r"^% +(\S.+)$", (project / "matlab/Contents.m").read_text(encoding="utf-8"), re.M)[1:-1]
 index("functions", "Functions", [re.sub(r"^(\w+) +- (.*)", r"- [`\1`](\1.md): \2", line) if " - " in line else f"\n## {line}\n"
                                  for line in listed], functions)
-index("headers", "C++ headers", [f"- [{name}]({name}.md): {(headers / name).read_text().split('///')[2].strip()}"
-                                 for name in documented], documented)
+index("headers", "C++ headers", [f"- [{name}]({name}.md): {head_of(headers / name)}" for name in documented], documented)
 for page in pages:
     text = with_links((project / page).read_text(encoding="utf-8"), page)
     if page == "docs/index.md":
