@@ -126,8 +126,10 @@ function drawn = draw_in(target, info, kind, is_one_of_four)
   if is_one_of_four
     set(target, 'fontsize', 7 - 2 * is_gnuplot(target));  % they share the place of one, and gnuplot's print doubles it
   end
-  was_held = ishold(target);
-  hold(target, 'on');
+  if ~ishold(target)
+    hold(target, 'on');
+    letting_go = onCleanup(@() let_go(target)); %#ok<NASGU>
+  end
   switch kind
     case 'before'
       drawn = plot_residuals(target, info, info.history(1).pose, info.rms_before, kind);
@@ -138,10 +140,14 @@ function drawn = draw_in(target, info, kind, is_one_of_four)
     case 'scene'
       drawn = plot_scene(target, info);
   end
-  if ~was_held
+  drawn.axes = target;
+end
+
+% Also where drawing has failed; the axes may be gone by then.
+function let_go(target)
+  if ishghandle(target)
     hold(target, 'off');
   end
-  drawn.axes = target;
 end
 
 %!function f = hidden_figure()
@@ -215,6 +221,20 @@ end
 %! own = line(right, 1:3, 1:3);
 %! kelvane_plot(right, info, 'rms');
 %! assert(~ishghandle(own) && ~ishold(right));
+
+%!test  % what is seen at one place has an image around it
+%! [~, info] = kelvane_refine([0 0 0, 0 0 -4], [0 0 0; 0 0 0; 0 1 2], [0 0 0; 0 0 0; 1 1 1], [], 'PoseFrame', 'world_from_camera');
+%! f = hidden_figure();
+%! closing = onCleanup(@() close(f));
+%! assert(ishghandle(kelvane_plot(info, 'after').observed));
+
+%!test  % axes are not held after a failure
+%! info = some_info([500 320 240]);
+%! info.covariance(:) = realmax;
+%! f = hidden_figure();
+%! closing = onCleanup(@() close(f));
+%! fail('kelvane_plot(info, ''scene'')', 'Inf or NaN');
+%! assert(~ishold(gca()));
 
 %!error <needs the info that kelvane_refine returns> kelvane_plot(3)
 %!error <needs the info that kelvane_refine returns> kelvane_plot()

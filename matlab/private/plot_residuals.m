@@ -63,6 +63,6 @@ end
 function limits = box_around(xy)
   low = min(xy, [], 2);
   high = max(xy, [], 2);
-  margin = max(0.1 * max(high - low), eps(max(abs(xy(:)))) + realmin);
+  margin = max(0.1 * max(high - low), eps(max(abs(xy(:)))) + 1e-9);
   limits = [low(1) - margin, high(1) + margin, low(2) - margin, high(2) + margin];
 end
