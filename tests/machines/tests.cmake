@@ -16,7 +16,9 @@ endfunction()
 kelvane_add_platform_test(supported "")
 kelvane_add_platform_test(other_compiler "the vector types of GCC or Clang, which MSVC 19.4 has not"
                           CMAKE_CXX_COMPILER_ID=MSVC CMAKE_CXX_COMPILER_VERSION=19.4)
-kelvane_add_platform_test(old_compiler "GCC 12 or newer, or Clang; this is GNU 11.4" CMAKE_CXX_COMPILER_VERSION=11.4)
+kelvane_add_platform_test(old_compiler "GCC 12 or Clang 14, or newer; this is GNU 11.4" CMAKE_CXX_COMPILER_VERSION=11.4)
+kelvane_add_platform_test(old_clang "GCC 12 or Clang 14, or newer; this is Clang 13.0.1"
+                          CMAKE_CXX_COMPILER_ID=Clang CMAKE_CXX_COMPILER_VERSION=13.0.1)
 kelvane_add_platform_test(few_bits "a system of 64 bits" CMAKE_SIZEOF_VOID_P=4)
 kelvane_add_platform_test(high_byte_first "a processor that stores the low byte of a number first"
                           CMAKE_CXX_BYTE_ORDER=BIG_ENDIAN)
