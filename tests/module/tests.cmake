@@ -31,6 +31,7 @@ if(TARGET kelvane_mex_octave AND CMAKE_BUILD_TYPE STREQUAL "Release")
     add_library(threads_apart MODULE module/threads_apart.cpp)
     target_link_libraries(threads_apart PRIVATE kelvane_compile_options ${CMAKE_DL_LIBS})
     configure_file(module/threads_apart.map threads_apart.map COPYONLY)
+    configure_file(module/threads_apart.map ../threads_apart.map COPYONLY)  # from where Ninja calls the linker
     target_link_options(threads_apart PRIVATE "LINKER:--version-script=threads_apart.map")
     add_test(NAME module/old_threads
       COMMAND sh "${CMAKE_CURRENT_SOURCE_DIR}/module/old_threads_test" "$<TARGET_FILE:bare_host>"
