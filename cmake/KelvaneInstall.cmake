@@ -36,7 +36,7 @@ install(FILES "${PROJECT_BINARY_DIR}/kelvaneConfig.cmake" "${PROJECT_BINARY_DIR}
 install(FILES "${PROJECT_SOURCE_DIR}/LICENSE" DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT library)
 
 # For builds without CMake, found from where the file lies.
-file(RELATIVE_PATH prefix "/${CMAKE_INSTALL_LIBDIR}/pkgconfig" "/")
+file(RELATIVE_PATH headers_from_here "${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig" "${CMAKE_INSTALL_FULL_INCLUDEDIR}/kelvane")
 configure_file(cmake/kelvane.pc.in kelvane.pc @ONLY)
 install(FILES "${PROJECT_BINARY_DIR}/kelvane.pc" DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig" COMPONENT library)
 install(FILES "${PROJECT_BINARY_DIR}/include/kelvane_version.h" DESTINATION "${header_folder}" COMPONENT library)
