@@ -2,13 +2,14 @@
 # What the packages are made of; to be sourced in the project's folder, behind scripts/functions.sh.
 # shellcheck shell=sh
 
-# None of the caller's settings gets into a package, but for the compiler, the date, and where things are.
+# None of the caller's settings gets into a package, but for the compiler, the date, and where things and the net are.
 if [ -z "${KELVANE_PACKAGING:-}" ]; then
   cd "$caller"
-  exec env -i KELVANE_PACKAGING=1 LC_ALL=C TZ=UTC0 PATH="$PATH" HOME="${HOME:-}" ${TMPDIR:+"TMPDIR=$TMPDIR"} ${CXX:+"CXX=$CXX"} \
-    ${CMAKE_PREFIX_PATH:+"CMAKE_PREFIX_PATH=$CMAKE_PREFIX_PATH"} ${OpenCV_DIR:+"OpenCV_DIR=$OpenCV_DIR"} \
-    ${CMAKE_TOOLCHAIN_FILE:+"CMAKE_TOOLCHAIN_FILE=$CMAKE_TOOLCHAIN_FILE"} ${KELVANE_ALONE:+"KELVANE_ALONE=$KELVANE_ALONE"} \
-    ${SOURCE_DATE_EPOCH:+"SOURCE_DATE_EPOCH=$SOURCE_DATE_EPOCH"} sh "$0" "$@"
+  set -- sh "$0" "$@"
+  for kept in TMPDIR CXX CMAKE_PREFIX_PATH CMAKE_TOOLCHAIN_FILE OpenCV_DIR KELVANE_ALONE SOURCE_DATE_EPOCH http_proxy https_proxy no_proxy; do
+    eval "set -- \${$kept:+\"$kept=\$$kept\"} \"\$@\""
+  done
+  exec env -i KELVANE_PACKAGING=1 LC_ALL=C TZ=UTC0 PATH="$PATH" HOME="${HOME:-}" "$@"
 fi
 umask 022  # the modes of what is installed are part of the bits
 
