@@ -126,7 +126,8 @@ function bytes = growth(setup, call)
   of_process = '@(name) 1024 * str2double(regexp(fileread(''/proc/self/status''), [name, '':\s*(\d+)''], ''tokens'', ''once''){1})';
   reset = 'f = fopen(''/proc/self/clear_refs'', ''w''); fputs(f, ''5''); fclose(f);';
   code = sprintf('%s %s\n get = %s; had = get(''VmRSS''); x = %s; printf(''%%d'', get(''VmHWM'') - had);', setup, reset, of_process, call);
-  [~, told] = system(sprintf('octave-cli --norc --no-history -q --path ''%s'' --eval "%s"', path(), code));
+  [status, told] = system(sprintf('octave-cli --norc --no-history -q --path ''%s'' --eval "%s"', path(), code));
+  assert(status, 0);  % it has told why
   bytes = str2double(told);
 end
 
