@@ -37,8 +37,9 @@ function files = kelvane_demo(name, folder)
     rows = [{demos.name}; {demos.what}];
     fprintf('%-11s %s\n', rows{:});
   else
-    if ~strcmpi(name, 'all')
-      demos = demos(strcmp(one_of(name, [{demos.name}, {'all'}], 'kelvane:demo', 'demo'), {demos.name}));
+    name = one_of(name, [{demos.name}, {'all'}], 'kelvane:demo', 'demo');
+    if ~strcmp(name, 'all')
+      demos = demos(strcmp(name, {demos.name}));
     end
     pictures = unique([demos.pictures]);
     if nargin < 2
@@ -114,6 +115,7 @@ function folder = folder_of_examples()
 end
 
 %!error <'bearing' is not a demo. Did you mean 'bearings'> kelvane_demo('bearing')
+%!error <demo must be a text, .* class cell> kelvane_demo({})
 %!error <folder must be a text; this is of class double> kelvane_demo('types', 3)
 
 %!demo
