@@ -116,6 +116,7 @@ end
 
 %!error <'bearing' is not a demo. Did you mean 'bearings'> kelvane_demo('bearing')
 %!error <demo must be a text, .* class cell> kelvane_demo({})
+%!error <name of the folder is empty> kelvane_demo('types', '')
 %!error <folder must be a text; this is of class double> kelvane_demo('types', 3)
 
 %!demo
