@@ -95,6 +95,8 @@ function run_demos(names, folder)
     addpath(examples, '-end');
     restoring = onCleanup(@() rmpath(examples)); %#ok<NASGU>
   end
+  current = get(0, 'currentfigure');
+  returning = onCleanup(@() set(0, 'currentfigure', current)); %#ok<NASGU>
   for k = 1:numel(names)
     fprintf('--- %s\n', names{k});
     feval([names{k}, '_demo'], folder);

@@ -68,6 +68,17 @@
 %!   assert(names_in(work), cell(1, 0));
 %! end
 
+%!test  % the figures of the user are there, and the current one is still current
+%! if can_draw()
+%!   warning('off', 'Octave:gnuplot-graphics', 'local');
+%!   figures = arrayfun(@(k) figure('visible', 'off'), [1, 2]);
+%!   closing = onCleanup(@() close(figures));
+%!   set(0, 'currentfigure', figures(1));
+%!   [work, removing] = work_folder();
+%!   run_quietly('conventions', work);
+%!   assert({get(0, 'currentfigure'), sort(get(0, 'children'))'}, {figures(1), figures});
+%! end
+
 %!test  % a folder of the user's: a picture that is there is named before anything is written, and no other is returned
 %! if can_draw()
 %!   [work, removing] = work_folder();
