@@ -34,7 +34,7 @@
 %!function [status, said] = build_from(work, temporary, code)  % in a process of its own there
 %!  write_text(fullfile(work, 'go.m'), sprintf(code));
 %!  mkdir(work, temporary);
-%!  [status, said] = system(sprintf('cd "%s" && TMPDIR="$PWD/%s" octave-cli --norc -q go.m 2>&1', work, temporary));
+%!  [status, said] = system(sprintf('cd "%s" && TMPDIR="$PWD/%s" octave-cli --norc --no-history -q go.m 2>&1', work, temporary));
 %!endfunction
 
 %!test  % project, module and temporary files may lie in folders of any name; where the user is does not matter

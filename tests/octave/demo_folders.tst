@@ -154,7 +154,7 @@
 %!   project = fileparts(fileparts(which('kelvane_refine')));
 %!   code = sprintf('addpath examples, conventions_demo(''%s'')', work);
 %!   module = fileparts(which('kelvane_engine'));
-%!   [status, said] = system(sprintf('cd "%s" && octave-cli --norc -q --path "%s" --path matlab --eval "%s" 2>&1', project, ...
+%!   [status, said] = system(sprintf('cd "%s" && octave-cli --norc --no-history -q --path "%s" --path matlab --eval "%s" 2>&1', project, ...
 %!                                   module, code));
 %!   assert(status == 0 && isempty(strfind(said, 'load')) && numel(names_in(work)) == 3, '%s', said);
 %! end
