@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // bare_host MODULE...: loads kelvane_mex or kelvane_engine and refines poses with it, the engine on three threads, in a
-// process that has nothing but the C and C++ libraries. Prints the poses to the last bit, and fails where kelvane_mex does not
-// find the one that its exact observations were made of.
+// process that has nothing but the C and C++ libraries. Prints the poses to the last bit, and fails where kelvane_mex
+// does not find the one that its exact observations were made of.
 #include <dlfcn.h>
 
 #include <algorithm>
