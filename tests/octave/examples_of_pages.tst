@@ -78,7 +78,7 @@
 %!   assert(isempty(regexp(text_of_page(page{1}), bare, 'match', 'once', 'lineanchors', 'dotexceptnewline')), page{1});
 %! end
 
-%!test  % the examples in the help of the demos run too
+%!test  % the examples in the help of the demos are a call, which runs in octave/demos, or run too
 %! if can_run('examples')
 %!   project = fileparts(fileparts(which('kelvane_refine')));
 %!   codes = {};
@@ -86,8 +86,10 @@
 %!     text = get_help_text(strrep(file.name, '.m', ''));
 %!     code = regexp(text, '^ *Example *\n(.*?)\n *\n', 'tokens', 'once', 'lineanchors');
 %!     assert(numel(code), 1, file.name);
-%!     codes(end + 1) = code;
+%!     if ~strcmp(strtrim(code{1}), strrep(file.name, '.m', '(''.'');'))
+%!       codes(end + 1) = code;
+%!     end
 %!   end
-%!   assert(numel(codes) >= 8);
+%!   assert(numel(codes) >= 3);
 %!   run_page([{'addpath examples'}, codes]);
 %! end
